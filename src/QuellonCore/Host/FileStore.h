@@ -1,0 +1,42 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quellon {
+
+/// Seam: the few file operations that state needs, and where the user's folders are. Main thread only. Nothing here
+/// throws; a failure is the return value.
+class FileStore {
+public:
+    virtual ~FileStore() = default;
+
+    /// The whole content; absent when it can't be read.
+    [[nodiscard]] virtual std::optional<std::string> read(const std::filesystem::path& file) const = 0;
+
+    /// Creates or overwrites the file, readable by the user alone. False when any byte could not be written.
+    [[nodiscard]] virtual bool write(const std::filesystem::path& file, std::string_view content) = 0;
+
+    /// Puts `from` in the place of `to` in one atomic step; `to` need not exist. False when that failed.
+    [[nodiscard]] virtual bool replace(const std::filesystem::path& from, const std::filesystem::path& to) = 0;
+
+    /// Removes the file. False when there was none or it could not be removed.
+    virtual bool remove(const std::filesystem::path& file) = 0;
+
+    /// Makes the folder with its missing parents; a new folder is readable by the user alone. True when it is there.
+    [[nodiscard]] virtual bool createDirectories(const std::filesystem::path& directory) = 0;
+
+    /// The path made absolute, without "." and "..", symbolic links resolved as far as the path exists, and without a
+    /// trailing separator.
+    [[nodiscard]] virtual std::filesystem::path canonical(const std::filesystem::path& path) const = 0;
+
+    /// The per-user folder for application data (`~/Library/Application Support`, `$XDG_DATA_HOME`); absent when the
+    /// platform names none.
+    [[nodiscard]] virtual std::optional<std::filesystem::path> applicationSupportDirectory() const = 0;
+    [[nodiscard]] virtual std::filesystem::path homeDirectory() const = 0;
+    [[nodiscard]] virtual std::filesystem::path temporaryDirectory() const = 0;
+};
+
+} // namespace quellon

@@ -1,0 +1,54 @@
+#include "QuellonCore/Host/Platform.h"
+
+#include "QuellonCore/Measurement/Shell.h"
+
+namespace quellon {
+
+Command Platform::tool(ToolRole role, const std::vector<std::string>& arguments) const
+{
+    Command command = tools[static_cast<std::size_t>(role)];
+    command.arguments.insert(command.arguments.end(), arguments.begin(), arguments.end());
+    return command;
+}
+
+Platform Platform::macOS()
+{
+    return {"macOS",
+            {{
+                {std::string{Shell::nettopPath}, {Shell::nettopArguments.begin(), Shell::nettopArguments.end()}},
+                {"/bin/ps", {"-axo", "pid=,uid=,pgid=,comm="}},
+                {"/sbin/route", {"-n", "get", "default"}},
+                {"/sbin/ifconfig", {}},
+                {"/usr/sbin/netstat", {"-ib", "-I"}},
+                {"/usr/sbin/networksetup", {"-listallhardwareports"}},
+                {"/bin/ps", {"-o", "lstart=", "-p"}},
+                {"/bin/ps", {"-o", "ppid=", "-p"}},
+            }}};
+}
+
+Platform Platform::linux()
+{
+    const std::string probe{probeName};
+    return {"Linux",
+            {{
+                {probe, {"nettop"}},
+                {probe, {"ps"}},
+                {probe, {"route"}},
+                {probe, {"ifconfig"}},
+                {probe, {"netstat"}},
+                {probe, {"networksetup"}},
+                {probe, {"start"}},
+                {probe, {"parent"}},
+            }}};
+}
+
+Platform Platform::current()
+{
+#ifdef __APPLE__
+    return macOS();
+#else
+    return linux();
+#endif
+}
+
+} // namespace quellon
