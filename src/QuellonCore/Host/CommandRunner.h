@@ -16,7 +16,12 @@ struct Command {
 
 /// How a child process ended, and what it had printed.
 struct CommandResult {
-    enum class Outcome { finished, failedToStart, timedOut };
+    enum class Outcome {
+        finished,
+        failedToStart,
+        timedOut,
+        lost, ///< A resident helper ended before its answer was complete; the runner has logged it.
+    };
     Outcome outcome = Outcome::failedToStart;
     std::string output; ///< Standard output, byte for byte; empty unless `finished`.
     bool operator==(const CommandResult&) const = default;
