@@ -1,0 +1,131 @@
+#include "QuellonCore/Engine/GuardEngine.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace quellon {
+
+namespace {
+
+constexpr std::string_view uncheckedDetail = "Not checked yet";
+
+} // namespace
+
+GuardEngine::Observation::Observation(GuardEngine& engine, std::function<void()> changed)
+    : engine_(engine), changed_(std::move(changed))
+{
+    engine_.observations_.push_back(this);
+}
+
+GuardEngine::Observation::~Observation()
+{
+    // Set to nothing instead of erased: the engine may be walking the list at this moment.
+    std::replace(engine_.observations_.begin(), engine_.observations_.end(), this, static_cast<Observation*>(nullptr));
+}
+
+GuardEngine::GuardEngine(Host host, Options options)
+    : host_(std::move(host)),
+      persistence_(host_),
+      status_{false, "", std::string{uncheckedDetail}},
+      interfaceNames_(InterfaceNames::current(host_)),
+      capabilities_(options.capabilities ? *options.capabilities
+                                         : Capabilities::detect(AppEdition::pro, host_.processes)),
+      settings_(options.settings),
+      ledger_(settings_.requiredRetention(), settings_.sampleInterval, settings_.direction)
+{
+    if (auto saved = persistence_.load<UsageLedger::Snapshot>(Persistence::ledgerFile)) {
+        ledger_.restore(std::move(saved->buckets), host_.clock.now());
+    }
+    if (options.autoStart) start();
+}
+
+GuardEngine::~GuardEngine() = default;
+
+void GuardEngine::start()
+{
+    if (isRunning_) return;
+    isRunning_ = true;
+    append(GuardEvent::Kind::info, fmt::format("{} started · {} rules", displayName(capabilities_.edition),
+                                               settings_.enabledRuleCount()));
+    if (const auto reason = capabilities_.enforcementBlockedReason()) {
+        append(GuardEvent::Kind::warning, std::string{*reason});
+    }
+    if (!capabilities_.canSampleTraffic) {
+        if (const auto reason = capabilities_.samplingBlockedReason()) {
+            append(GuardEvent::Kind::warning, std::string{*reason});
+        }
+    }
+    restartTimer();
+    host_.runLoop.post(whileAlive([this] { tick(); }));
+}
+
+void GuardEngine::stop()
+{
+    isRunning_ = false;
+    timer_.reset();
+    ledger_.resetAll();
+    usage_.clear();
+    persist();
+    append(GuardEvent::Kind::info, "Guard stopped");
+}
+
+void GuardEngine::restartTimer()
+{
+    timer_.reset();
+    const bool idle = !status_.isMetered && settings_.meteredOnly;
+    timer_ = host_.runLoop.every(idle ? idleInterval : settings_.sampleInterval,
+                                 [this] { host_.runLoop.post(whileAlive([this] { tick(); })); });
+}
+
+void GuardEngine::persist()
+{
+    persistence_.save(ledger_.snapshot(), Persistence::ledgerFile);
+}
+
+void GuardEngine::append(GuardEvent::Kind kind, std::string message)
+{
+    events_.push_front({host_.identifiers.next(), host_.clock.now(), kind, std::move(message)});
+    if (events_.size() > eventCapacity) events_.resize(eventCapacity);
+    changed();
+}
+
+void GuardEngine::setSettings(const GuardSettings& settings)
+{
+    settings_ = settings;
+    applySettings();
+    changed();
+}
+
+void GuardEngine::applySettings()
+{
+    ledger_.setRetention(settings_.requiredRetention(), host_.clock.now());
+    ledger_.setSampleInterval(settings_.sampleInterval);
+    ledger_.direction = settings_.direction;
+    if (isRunning_) restartTimer();
+}
+
+bool GuardEngine::showsTetherHint() const { return idleTetherInterface_ && !settings_.tetherHintDismissed; }
+
+void GuardEngine::changed()
+{
+    if (tellsObservers_) return;
+    tellsObservers_ = true;
+    host_.runLoop.post(whileAlive([this] {
+        tellsObservers_ = false;
+        // By index: an observer may bring another one into being.
+        for (std::size_t i = 0; i < observations_.size(); ++i) {
+            if (observations_[i] != nullptr) observations_[i]->changed_();
+        }
+        std::erase(observations_, nullptr);
+    }));
+}
+
+RunLoop::Work GuardEngine::whileAlive(std::function<void()> work)
+{
+    return [alive = std::weak_ptr<const bool>{alive_}, work = std::move(work)] {
+        if (!alive.expired()) work();
+    };
+}
+
+} // namespace quellon
