@@ -33,10 +33,10 @@ std::string_view lastPathComponent(std::string_view path)
 
 Entries::Entries(std::vector<ProcessEntry> entries) : entries_(std::move(entries))
 {
-    std::ranges::reverse(entries_); // so that the stable sort puts the last of equals first, and that one stays
+    const auto samePid = [](const ProcessEntry& a, const ProcessEntry& b) { return a.pid == b.pid; };
+    std::ranges::reverse(entries_); // so that the last of equals comes first, which is the one that stays
     std::ranges::stable_sort(entries_, {}, &ProcessEntry::pid);
-    const auto repeated = std::ranges::unique(entries_, {}, &ProcessEntry::pid);
-    entries_.erase(repeated.begin(), repeated.end());
+    entries_.erase(std::unique(entries_.begin(), entries_.end(), samePid), entries_.end());
 }
 
 const ProcessEntry* Entries::find(std::int32_t pid) const
