@@ -1,0 +1,40 @@
+#include "ScriptedHost.h"
+
+namespace quellon {
+
+namespace {
+
+constexpr Date firstDate{std::chrono::sys_days{std::chrono::year{2026} / 3 / 15}.time_since_epoch() +
+                         std::chrono::hours{10} - referenceDateSince1970};
+
+/// As the system numbers it.
+constexpr int number(RunLoop::Signal signal)
+{
+    return signal == RunLoop::Signal::terminate ? 15 : 2;
+}
+
+} // namespace
+
+ScriptedHost::ScriptedHost()
+{
+    clock_.set(firstDate);
+}
+
+// Background work in flight uses the other parts, so it ends before they go.
+ScriptedHost::~ScriptedHost()
+{
+    runLoop_.finish();
+}
+
+Host ScriptedHost::host()
+{
+    return {clock_, runLoop_, commands_, processes_, files_, addresses_, log_, identifiers_, platform_};
+}
+
+void ScriptedHost::raise(RunLoop::Signal signal)
+{
+    constexpr int endedBySignal = 128;
+    if (!runLoop_.raise(signal)) processes_.exit(endedBySignal + number(signal));
+}
+
+} // namespace quellon

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "MemoryFileStore.h"
+#include "QuellonCore/Host/Host.h"
+#include "ScriptedCommands.h"
+#include "ScriptedParts.h"
+#include "ScriptedRunLoop.h"
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace quellon {
+
+/// A whole world in virtual time: no clock, process, file or thread of the real one can be told from it. It begins at
+/// 2026-03-15T10:00:00Z on macOS, with no tool that can be started, no address and no state file. Everything here is
+/// for the main thread.
+class ScriptedHost {
+public:
+    ScriptedHost();
+    ~ScriptedHost();
+    ScriptedHost(const ScriptedHost&) = delete;
+    ScriptedHost& operator=(const ScriptedHost&) = delete;
+
+    /// What an engine gets. The platform is the one of this moment.
+    [[nodiscard]] Host host();
+    operator Host() { return host(); } // NOLINT: an engine in a test is built with the scripted host itself
+
+    /// Lets virtual time pass and runs what is due; see `ScriptedRunLoop::advance`.
+    void advance(Seconds duration) { runLoop_.advance(duration); }
+    /// The wall clock.
+    [[nodiscard]] Date now() const { return clock_.now(); }
+    /// Virtual time since the beginning, whatever the wall clock did.
+    [[nodiscard]] Seconds elapsed() const { return runLoop_.elapsed(); }
+    /// The wall clock jumps; timers keep to virtual time.
+    void setClock(Date date) { clock_.set(date); }
+
+    [[nodiscard]] ScriptedTool& tool(ToolRole role) { return commands_.tool(role); }
+    [[nodiscard]] const std::vector<ScriptedRun>& runs() const { return commands_.runs(); }
+    [[nodiscard]] std::size_t runs(ToolRole role) const { return commands_.runs(role); }
+    void clearRuns() { commands_.clearRuns(); }
+
+    void setAddresses(std::vector<InterfaceAddress> addresses) { addresses_.addresses = std::move(addresses); }
+    [[nodiscard]] MemoryFileStore& files() { return files_; }
+    [[nodiscard]] ScriptedLog& log() { return log_; }
+
+    /// Before the engine is built.
+    void platform(Platform platform) { platform_ = std::move(platform); }
+    void environment(std::string name, std::string value) { processes_.variables[std::move(name)] = std::move(value); }
+    void processName(std::string name) { processes_.name = std::move(name); }
+    void processID(std::int32_t id) { processes_.id = id; }
+    void metrics(std::optional<ProcessMetrics> metrics) { processes_.weight = metrics; }
+
+    /// A signal arrives. Who asked for it is called in the next `advance`; when nobody ever did, it ends the process.
+    void raise(RunLoop::Signal signal);
+    /// How the process ended; absent while it runs. 128 and the signal's number for an end by signal.
+    [[nodiscard]] std::optional<int> exitStatus() const { return processes_.exitStatus; }
+
+private:
+    Platform platform_ = Platform::macOS();
+    ScriptedLog log_;
+    MemoryFileStore files_{platform_};
+    ScriptedAddresses addresses_;
+    CountedIdentifiers identifiers_;
+    ScriptedRunLoop runLoop_;
+    ScriptedClock clock_{runLoop_};
+    ScriptedProcesses processes_{runLoop_};
+    ScriptedCommandRunner commands_{runLoop_, log_, platform_};
+};
+
+} // namespace quellon

@@ -1,0 +1,97 @@
+#pragma once
+
+#include "QuellonCore/Host/Clock.h"
+#include "QuellonCore/Host/IdentifierSource.h"
+#include "QuellonCore/Host/InterfaceAddresses.h"
+#include "QuellonCore/Host/LogSink.h"
+#include "QuellonCore/Host/ProcessControl.h"
+#include "ScriptedRunLoop.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quellon {
+
+/// A wall clock that moves with virtual time, and jumps when told to.
+class ScriptedClock final : public Clock {
+public:
+    explicit ScriptedClock(const ScriptedRunLoop& runLoop) : runLoop_{runLoop} {}
+    [[nodiscard]] Date now() const override { return date_ + (runLoop_.elapsed() - setAt_); }
+    void set(Date date)
+    {
+        date_ = date;
+        setAt_ = runLoop_.elapsed();
+    }
+
+private:
+    const ScriptedRunLoop& runLoop_;
+    Date date_{};
+    Seconds setAt_{0};
+};
+
+/// A line on the log.
+struct LogLine {
+    std::string category;
+    LogLevel level = LogLevel::info;
+    std::string message;
+    bool operator==(const LogLine&) const = default;
+};
+
+/// Keeps every line.
+class ScriptedLog final : public LogSink {
+public:
+    void write(std::string_view category, LogLevel level, std::string_view message) override;
+    /// Every line since construction or the last `clear`.
+    [[nodiscard]] std::vector<LogLine> lines() const;
+    /// The messages of one category.
+    [[nodiscard]] std::vector<std::string> messages(std::string_view category) const;
+    void clear();
+
+private:
+    mutable std::mutex lock_;
+    std::vector<LogLine> lines_;
+};
+
+/// The identifiers 00000000-0000-4000-8000-000000000001 and up.
+class CountedIdentifiers final : public IdentifierSource {
+public:
+    [[nodiscard]] UUID next() override;
+
+private:
+    std::uint64_t count_ = 0;
+};
+
+class ScriptedAddresses final : public InterfaceAddresses {
+public:
+    [[nodiscard]] std::vector<InterfaceAddress> ipv4Addresses() const override { return addresses; }
+    std::vector<InterfaceAddress> addresses;
+};
+
+/// A process that is 900, is called "Quellon", has an empty environment, and does not know what it weighs.
+class ScriptedProcesses final : public ProcessControl {
+public:
+    explicit ScriptedProcesses(ScriptedRunLoop& runLoop) : runLoop_{runLoop} {}
+    [[nodiscard]] std::int32_t processID() const override { return id; }
+    [[nodiscard]] std::string processName() const override { return name; }
+    [[nodiscard]] std::optional<std::string> environment(std::string_view variable) const override;
+    [[nodiscard]] std::optional<ProcessMetrics> metrics() const override { return weight; }
+    /// Keeps the first status. The caller goes on, unlike in a real process, but the run loop runs nothing more.
+    void exit(int status) override;
+
+    std::int32_t id = 900;
+    std::string name = "Quellon";
+    std::map<std::string, std::string, std::less<>> variables;
+    std::optional<ProcessMetrics> weight;
+    std::optional<int> exitStatus;
+
+private:
+    ScriptedRunLoop& runLoop_;
+};
+
+} // namespace quellon
