@@ -1,0 +1,267 @@
+#include "QuellonProbe/Owners.h"
+
+#include "QuellonProbe/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <cstddef>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <linux/magic.h>
+#include <optional>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/vfs.h>
+#include <unistd.h>
+
+namespace quellon {
+
+namespace {
+
+constexpr double shortestPause = 8;
+constexpr double longestPause = 256;
+constexpr double memory = 600;
+// Beyond this many searches a look at all processes is cheaper than asking each for its control group first.
+constexpr std::size_t fewSearches = 64;
+constexpr std::size_t mostGroups = 1024;
+
+/// Path of a file below a process's folder, without the heap.
+class ProcessPath {
+public:
+    ProcessPath(std::int32_t pid, std::string_view rest)
+    {
+        auto* end = std::to_chars(text_.data(), text_.data() + 16, pid).ptr;
+        std::memcpy(end, rest.data(), rest.size());
+        end[rest.size()] = '\0';
+    }
+    [[nodiscard]] const char* text() const { return text_.data(); }
+
+private:
+    std::array<char, 32> text_;
+};
+
+/// The N of "socket:[N]".
+std::optional<std::uint32_t> socketInode(std::string_view target)
+{
+    constexpr std::string_view prefix = "socket:[";
+    if (!target.starts_with(prefix)) return std::nullopt;
+    target.remove_prefix(prefix.size());
+    std::uint32_t inode = 0;
+    const auto [end, error] = std::from_chars(target.data(), target.data() + target.size(), inode);
+    if (error != std::errc{} || end == target.data() + target.size() || *end != ']') return std::nullopt;
+    return inode;
+}
+
+/// Calls `visit` with the name of each entry of an open folder until it returns false. Without opendir(), whose buffer
+/// comes from the heap each time.
+template <typename Visit>
+void forEachEntry(int folder, Visit visit)
+{
+    alignas(dirent64) static std::array<char, 32 * 1024> buffer;
+    for (;;) {
+        const auto size = ::syscall(SYS_getdents64, folder, buffer.data(), buffer.size());
+        if (size <= 0) return;
+        for (std::size_t at = 0; at < static_cast<std::size_t>(size);) {
+            const char* entry = buffer.data() + at;
+            unsigned short length = 0;
+            std::memcpy(&length, entry + offsetof(dirent64, d_reclen), sizeof length);
+            if (!visit(entry + offsetof(dirent64, d_name))) return;
+            at += length;
+        }
+    }
+}
+
+bool isGroupFolder(const char* path)
+{
+    struct statfs info {};
+    return ::statfs(path, &info) == 0 && info.f_type == CGROUP2_SUPER_MAGIC;
+}
+
+} // namespace
+
+ControlGroups::ControlGroups(const ProcFolder& proc, std::string root) : proc_{proc}, root_{std::move(root)}
+{
+    if (!root_.empty()) return;
+    for (const auto* path : {"/sys/fs/cgroup", "/sys/fs/cgroup/unified"}) {
+        if (!isGroupFolder(path)) continue;
+        root_ = path;
+        return;
+    }
+}
+
+std::uint64_t ControlGroups::of(std::int32_t pid)
+{
+    if (root_.empty()) return 0;
+    const auto text = proc_.file(pid, "cgroup");
+    if (!text) return 0;
+    // "0::/path", among the lines of the older hierarchies.
+    const auto start = text->starts_with("0::") ? 0 : text->find("\n0::");
+    if (start == std::string::npos) return 0;
+    const auto path = start + (start == 0 ? 3 : 4);
+    const auto below = text->substr(path, text->find('\n', path) - path);
+    if (const auto known = ids_.find(below); known != ids_.end()) return known->second;
+    struct stat info {};
+    if (::stat((root_ + below).c_str(), &info) != 0) return 0;
+    if (ids_.size() >= mostGroups) ids_.clear();
+    return ids_[below] = info.st_ino;
+}
+
+struct Owners::Hunt {
+    std::vector<SocketSearch>& searches;
+    std::vector<std::pair<std::uint32_t, std::size_t>> byInode; ///< ascending; second: place in `searches`
+    std::vector<std::int32_t> pids;                             ///< all processes, ascending; empty until needed
+    std::unordered_set<std::int32_t> scanned;
+    std::size_t fresh = 0; ///< new searches without an answer
+    std::size_t open = 0;  ///< searches without an answer
+    double now = 0;
+
+    Hunt(std::vector<SocketSearch>& all, double time) : searches{all}, now{time}
+    {
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            if (all[i].inode == 0) continue;
+            byInode.emplace_back(all[i].inode, i);
+            ++open;
+            if (all[i].isNew) ++fresh;
+        }
+        std::ranges::sort(byInode);
+    }
+    /// Whether a new search without an answer has this control group.
+    [[nodiscard]] bool wants(std::uint64_t cgroup) const
+    {
+        return std::ranges::any_of(byInode, [&](const auto& entry) {
+            const auto& search = searches[entry.second];
+            return search.isNew && search.owner == 0 && search.cgroup == cgroup;
+        });
+    }
+    [[nodiscard]] SocketSearch* find(std::uint32_t inode) const
+    {
+        const auto place = std::ranges::lower_bound(byInode, inode, {}, [](const auto& e) { return e.first; });
+        return place != byInode.end() && place->first == inode ? &searches[place->second] : nullptr;
+    }
+};
+
+void Owners::find(std::vector<SocketSearch>& searches, double now)
+{
+    Hunt hunt{searches, now};
+    const bool mayLookAtAll = now >= nextLookAtAll_;
+    if (hunt.fresh > 0) lookInKnown(hunt);
+    if (hunt.fresh > 0 && (hunt.fresh <= fewSearches || !mayLookAtAll)) lookInLikely(hunt);
+    if (hunt.open > 0 && mayLookAtAll) lookInAll(hunt, now);
+}
+
+void Owners::lookInKnown(Hunt& hunt)
+{
+    std::vector<std::pair<double, std::int32_t>> candidates;
+    for (const auto& [pid, known] : known_) {
+        if (hunt.wants(known.cgroup)) candidates.emplace_back(known.found, pid);
+    }
+    std::ranges::sort(candidates, std::ranges::greater{});
+    for (const auto& [found, pid] : candidates) {
+        if (hunt.fresh == 0) return;
+        scan(hunt, pid);
+    }
+}
+
+void Owners::lookInLikely(Hunt& hunt)
+{
+    if (!proc_.list(hunt.pids)) return;
+    // The newest processes first: who has just started is who opens connections.
+    for (auto pid = hunt.pids.rbegin(); pid != hunt.pids.rend() && hunt.fresh > 0; ++pid) {
+        if (hunt.scanned.contains(*pid)) continue;
+        const bool isNewcomer = !pids_.empty() && !std::ranges::binary_search(pids_, *pid);
+        if (isNewcomer || hunt.wants(groups_.of(*pid))) scan(hunt, *pid);
+    }
+}
+
+void Owners::lookInAll(Hunt& hunt, double now)
+{
+    if (hunt.pids.empty() && !proc_.list(hunt.pids)) return;
+    for (const auto pid : hunt.pids) {
+        if (hunt.open == 0) break;
+        if (!hunt.scanned.contains(pid)) scan(hunt, pid);
+    }
+    pause_ = hunt.open == 0 ? 0 : std::clamp(pause_ * 2, shortestPause, longestPause);
+    nextLookAtAll_ = now + pause_;
+    pids_ = std::move(hunt.pids);
+}
+
+void Owners::scan(Hunt& hunt, std::int32_t pid)
+{
+    hunt.scanned.insert(pid);
+    const int folder = ::openat(proc_.descriptor(), ProcessPath{pid, "/fd"}.text(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0) return;
+    std::uint64_t cgroup = 0;
+    bool found = false;
+    forEachEntry(folder, [&](const char* name) {
+        std::array<char, 64> target;
+        const auto length = ::readlinkat(folder, name, target.data(), target.size());
+        if (length <= 0) return true;
+        const auto inode = socketInode({target.data(), static_cast<std::size_t>(length)});
+        auto* search = inode ? hunt.find(*inode) : nullptr;
+        if (!search || search->owner != 0) return true;
+        search->owner = pid;
+        cgroup = search->cgroup;
+        found = true;
+        --hunt.open;
+        if (search->isNew) --hunt.fresh;
+        return hunt.open > 0;
+    });
+    ::close(folder);
+    if (found) remember(pid, cgroup, hunt.now);
+}
+
+void Owners::remember(std::int32_t pid, std::uint64_t cgroup, double now)
+{
+    auto& known = known_[pid];
+    known.cgroup = cgroup;
+    known.found = now;
+    struct stat info {};
+    if (::fstatat(proc_.descriptor(), ProcessPath{pid, ""}.text(), &info, 0) == 0) {
+        known.folder = info.st_ino;
+        known.user = info.st_uid;
+    }
+    if (const auto stat = proc_.stat(pid)) {
+        known.startTicks = stat->startTicks;
+        known.name = cleanName(stat->comm, Commas::replaced);
+    }
+}
+
+Owners::Presence Owners::presence(std::int32_t pid)
+{
+    const auto place = known_.find(pid);
+    if (place == known_.end()) return Presence::gone;
+    auto& known = place->second;
+    struct stat info {};
+    if (::fstatat(proc_.descriptor(), ProcessPath{pid, ""}.text(), &info, 0) != 0) return Presence::gone;
+    if (info.st_ino == known.folder && info.st_uid == known.user) return Presence::same;
+    // The kernel may have given the folder a new inode, or the process may have changed its user.
+    const auto stat = proc_.stat(pid);
+    if (!stat) return Presence::gone;
+    if (stat->startTicks != known.startTicks) return Presence::replaced;
+    // What has died but isn't reaped has no executable any more.
+    const bool hasExecutable = ::faccessat(proc_.descriptor(), ProcessPath{pid, "/exe"}.text(), F_OK, 0) == 0;
+    if (!hasExecutable && errno == ENOENT) return Presence::gone;
+    known.folder = info.st_ino;
+    known.user = info.st_uid;
+    return Presence::same;
+}
+
+const std::string& Owners::name(std::int32_t pid) const
+{
+    static const std::string none;
+    const auto place = known_.find(pid);
+    return place == known_.end() ? none : place->second.name;
+}
+
+void Owners::prune(const std::unordered_set<std::int32_t>& inUse, double now)
+{
+    std::erase_if(known_, [&](const auto& entry) {
+        if (inUse.contains(entry.first)) return false;
+        return now - entry.second.found > memory || presence(entry.first) != Presence::same;
+    });
+}
+
+} // namespace quellon
