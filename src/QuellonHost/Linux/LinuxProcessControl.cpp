@@ -1,0 +1,74 @@
+#include "QuellonHost/Linux/LinuxProcessControl.h"
+
+#include <algorithm>
+#include <charconv>
+#include <filesystem>
+#include <fstream>
+#include <initializer_list>
+#include <iterator>
+#include <system_error>
+
+namespace quellon {
+
+namespace {
+
+/// The number of the line "NAME:   123 kB"; absent when no line begins so.
+std::optional<std::uint64_t> number(std::string_view text, std::string_view name)
+{
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+        if (!line.starts_with(name) || line.substr(name.size(), 1) != ":") continue;
+        const auto first = line.find_first_of("0123456789", name.size());
+        if (first == std::string_view::npos) return std::nullopt;
+        std::uint64_t value = 0;
+        const auto [end, error] = std::from_chars(line.data() + first, line.data() + line.size(), value);
+        if (error != std::errc{}) return std::nullopt;
+        return value;
+    }
+    return std::nullopt;
+}
+
+std::string content(const char* path)
+{
+    std::ifstream file{path, std::ios::binary};
+    return {std::istreambuf_iterator<char>{file}, {}};
+}
+
+} // namespace
+
+std::string LinuxProcessControl::processName() const
+{
+    std::error_code error;
+    return processName(std::filesystem::read_symlink("/proc/self/exe", error).native());
+}
+
+std::string LinuxProcessControl::processName(std::string_view executable)
+{
+    constexpr std::string_view removedMark = " (deleted)";
+    if (executable.ends_with(removedMark)) executable.remove_suffix(removedMark.size());
+    return std::filesystem::path{executable}.filename().string();
+}
+
+std::optional<ProcessMetrics> LinuxProcessControl::metrics() const
+{
+    return metrics(content("/proc/self/status"), content("/proc/self/smaps_rollup"));
+}
+
+std::optional<ProcessMetrics> LinuxProcessControl::metrics(std::string_view status, std::string_view smapsRollup)
+{
+    constexpr std::uint64_t kilobyte = 1024;
+    const auto resident = number(status, "VmRSS");
+    if (!resident) return std::nullopt;
+    ProcessMetrics result{*resident * kilobyte, *resident * kilobyte, 0};
+    result.threadCount = static_cast<std::size_t>(number(status, "Threads").value_or(0));
+    if (number(smapsRollup, "Private_Dirty")) {
+        std::uint64_t own = 0;
+        for (const auto* name : {"Private_Clean", "Private_Dirty", "Swap"})
+            own += number(smapsRollup, name).value_or(0);
+        result.footprintBytes = own * kilobyte;
+    }
+    return result;
+}
+
+} // namespace quellon

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "QuellonHost/Posix/PosixProcessControl.h"
+
+#include <string_view>
+
+namespace quellon {
+
+/// The program's own process as /proc tells it.
+class LinuxProcessControl final : public PosixProcessControl {
+public:
+    /// Also while the program's file has been replaced by an update. Empty when /proc is not there.
+    [[nodiscard]] std::string processName() const override;
+    /// Resident memory and threads from `status`; the footprint is what `smaps_rollup` calls private, swapped-out
+    /// memory included, or the resident memory where the kernel does not tell.
+    [[nodiscard]] std::optional<ProcessMetrics> metrics() const override;
+
+    /// The same from the two texts. Absent when `status` names no resident memory.
+    [[nodiscard]] static std::optional<ProcessMetrics> metrics(std::string_view status, std::string_view smapsRollup);
+    /// The last component of what /proc/PID/exe links to, without the kernel's mark of a removed file.
+    [[nodiscard]] static std::string processName(std::string_view executable);
+};
+
+} // namespace quellon

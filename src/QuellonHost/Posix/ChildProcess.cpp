@@ -1,0 +1,170 @@
+#include "QuellonHost/Posix/ChildProcess.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <mutex>
+#include <spawn.h>
+#include <string>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+extern char** environ; // NOLINT: POSIX leaves the declaration to the program
+
+namespace quellon {
+
+namespace {
+
+/// The children that were killed and had not ended when their owner went on.
+struct Leftovers {
+    std::mutex lock;
+    std::vector<pid_t> pids;
+};
+
+Leftovers& leftovers()
+{
+    static auto& instance = *new Leftovers; // background threads may outlive static destruction
+    return instance;
+}
+
+/// Reaps without waiting. False when the child still runs.
+bool reapNow(pid_t pid)
+{
+    pid_t result = 0;
+    do result = waitpid(pid, nullptr, WNOHANG);
+    while (result < 0 && errno == EINTR);
+    return result != 0; // an error: there is no such child any more
+}
+
+/// The attributes and file actions of one start.
+class SpawnPlan {
+public:
+    SpawnPlan()
+    {
+        posix_spawn_file_actions_init(&actions);
+        posix_spawnattr_init(&attributes);
+    }
+    SpawnPlan(const SpawnPlan&) = delete;
+    SpawnPlan& operator=(const SpawnPlan&) = delete;
+    ~SpawnPlan()
+    {
+        posix_spawn_file_actions_destroy(&actions);
+        posix_spawnattr_destroy(&attributes);
+    }
+
+    [[nodiscard]] bool fill(int output, int input, bool ownGroup)
+    {
+        sigset_t defaults;
+        sigemptyset(&defaults);
+        for (const int number : {SIGTERM, SIGINT, SIGPIPE}) sigaddset(&defaults, number);
+        sigset_t none;
+        sigemptyset(&none);
+        int flags = POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK;
+        if (ownGroup) flags |= POSIX_SPAWN_SETPGROUP;
+        return posix_spawnattr_setsigdefault(&attributes, &defaults) == 0 &&
+               posix_spawnattr_setsigmask(&attributes, &none) == 0 && posix_spawnattr_setpgroup(&attributes, 0) == 0 &&
+               posix_spawnattr_setflags(&attributes, static_cast<short>(flags)) == 0 &&
+               (input < 0 || posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO) == 0) &&
+               posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO) == 0 &&
+               posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0) == 0;
+    }
+
+    posix_spawn_file_actions_t actions{};
+    posix_spawnattr_t attributes{};
+};
+
+/// The words as the system wants them; views into `command`.
+std::vector<char*> argumentVector(Command& command)
+{
+    std::vector<char*> words{command.path.data()};
+    for (auto& argument : command.arguments) words.push_back(argument.data());
+    words.push_back(nullptr);
+    return words;
+}
+
+} // namespace
+
+std::optional<ChildProcess> ChildProcess::start(const Command& command, Options options)
+{
+    auto output = makePipe();
+    auto input = options.withInput ? makePipe() : Pipe{};
+    if (!output || !input) return std::nullopt;
+    if (options.withInput) setNonBlocking(input->writeEnd);
+
+    SpawnPlan plan;
+    if (!plan.fill(output->writeEnd.get(), input->readEnd.get(), options.ownGroup)) return std::nullopt;
+    Command copy = command;
+    pid_t pid = 0;
+    const int error =
+        posix_spawn(&pid, copy.path.c_str(), &plan.actions, &plan.attributes, argumentVector(copy).data(), environ);
+    if (error != 0) return std::nullopt;
+    return ChildProcess{pid, std::move(output->readEnd), std::move(input->writeEnd)};
+}
+
+ChildProcess::ChildProcess(pid_t pid, Descriptor outputEnd, Descriptor inputEnd)
+    : output{std::move(outputEnd)}, input{std::move(inputEnd)}, pid_{pid}
+{
+}
+
+ChildProcess::ChildProcess(ChildProcess&& other) noexcept
+    : output{std::move(other.output)}, input{std::move(other.input)}, pid_{std::exchange(other.pid_, 0)}
+{
+}
+
+ChildProcess& ChildProcess::operator=(ChildProcess&& other) noexcept
+{
+    std::swap(output, other.output);
+    std::swap(input, other.input);
+    std::swap(pid_, other.pid_);
+    return *this;
+}
+
+ChildProcess::~ChildProcess()
+{
+    if (pid_ == 0 || reapNow(pid_)) return;
+    const std::lock_guard guard{leftovers().lock};
+    leftovers().pids.push_back(pid_);
+}
+
+void ChildProcess::kill() const
+{
+    if (pid_ == 0) return;
+    (void)::kill(pid_, SIGTERM);
+    (void)::kill(pid_, SIGKILL);
+}
+
+void ChildProcess::awaitExit() const
+{
+    if (pid_ == 0) return;
+    siginfo_t info{};
+    while (waitid(P_PID, static_cast<id_t>(pid_), &info, WEXITED | WNOWAIT) != 0 && errno == EINTR) {}
+}
+
+bool ChildProcess::reap(Deadline deadline)
+{
+    using namespace std::chrono_literals;
+    std::chrono::nanoseconds pause = 100us;
+    while (pid_ != 0) {
+        if (reapNow(pid_)) {
+            pid_ = 0;
+            break;
+        }
+        const auto left = deadline - std::chrono::steady_clock::now();
+        if (left <= left.zero()) return false;
+        std::this_thread::sleep_for(std::min<std::chrono::nanoseconds>(pause, left));
+        pause = std::min<std::chrono::nanoseconds>(pause * 2, 20ms);
+    }
+    return true;
+}
+
+void ChildProcess::reapLeftovers()
+{
+    const std::lock_guard guard{leftovers().lock};
+    std::erase_if(leftovers().pids, reapNow);
+}
+
+} // namespace quellon

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "QuellonCore/Host/Host.h"
+#include "QuellonHost/Posix/PosixRunLoop.h"
+
+#include <memory>
+
+namespace quellon {
+
+/// The real world of the system that this build is for. The main thread makes it before anything else, and destroys it
+/// last; tools that still run by then are killed, so that the end does not wait for them.
+class SystemHost {
+public:
+    SystemHost();
+    ~SystemHost();
+    SystemHost(const SystemHost&) = delete;
+    SystemHost& operator=(const SystemHost&) = delete;
+
+    /// What an engine gets.
+    [[nodiscard]] Host host();
+    /// To run, or to embed in another loop.
+    [[nodiscard]] PosixRunLoop& runLoop();
+
+private:
+    struct Parts; ///< One definition for each system.
+    std::unique_ptr<Parts> parts_;
+};
+
+} // namespace quellon
