@@ -1,0 +1,57 @@
+#include "QuellonCore/Support/Text.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace quellon {
+namespace {
+
+TEST(Text, trimmed)
+{
+    struct Case {
+        const char* name;
+        const char* text;
+        const char* result;
+    };
+    constexpr Case cases[] = {
+        {"empty", "", ""},
+        {"only blanks and tabs", " \t \t", ""},
+        {"both ends", "\t a b\t ", "a b"},
+        {"a carriage return stays", " a\r", "a\r"},
+        {"a line feed stays", "\na ", "\na"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(trimmed(c.text), c.result);
+    }
+}
+
+TEST(Text, takeLineEndsAtLineFeedsOnly)
+{
+    std::string_view rest = "one\rstill one\x0b\x0c\xe2\x80\xa8\n\nthree";
+    EXPECT_EQ(takeLine(rest), "one\rstill one\x0b\x0c\xe2\x80\xa8");
+    EXPECT_EQ(takeLine(rest), "");
+    EXPECT_EQ(takeLine(rest), "three");
+    EXPECT_TRUE(rest.empty());
+    EXPECT_EQ(takeLine(rest), "");
+}
+
+TEST(Text, takeUntilTakesTheSeparatorAlong)
+{
+    std::string_view rest = "a,,b";
+    EXPECT_EQ(takeUntil(rest, ','), "a");
+    EXPECT_EQ(rest, ",b");
+    EXPECT_EQ(takeUntil(rest, ','), "");
+    EXPECT_EQ(takeUntil(rest, ','), "b");
+    EXPECT_EQ(rest, "");
+}
+
+TEST(Text, words)
+{
+    EXPECT_THAT(words(""), testing::IsEmpty());
+    EXPECT_THAT(words("   "), testing::IsEmpty());
+    EXPECT_THAT(words("  a   b\tc  "), testing::ElementsAre("a", "b\tc")) << "a tab separates nothing";
+}
+
+} // namespace
+} // namespace quellon
