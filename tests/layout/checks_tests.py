@@ -1,0 +1,117 @@
+#!/usr/bin/env python3
+"""The checks of this folder find what they are for: each is shown a small project with one planted mistake."""
+
+import os
+import subprocess
+import sys
+import tempfile
+import unittest
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path.insert(0, HERE)
+
+import links_no_qt  # noqa: E402
+
+CLEAN = {
+    "src/QuellonCore/Support/Time.h": "#pragma once\n#include <chrono>\n",
+    "src/QuellonCore/Support/Time.cpp": '#include "QuellonCore/Support/Time.h"\n#include <fmt/format.h>\n',
+    "src/QuellonHost/Posix/Pipe.h": "#pragma once\n#include <unistd.h>\n",
+    "src/QuellonHost/Linux/Journal.cpp": '#include "QuellonHost/Posix/Pipe.h"\n#include <systemd/sd-journal.h>\n',
+    "src/QuellonUI/Row.h": '#pragma once\n#include "QuellonCore/Support/Time.h"\n#include <QWidget>\n',
+    "src/QuellonUI/Row.cpp": '#include "QuellonUI/Row.h"\n#include "Row.moc"\n',
+    "src/QuellonProbe/Text.h": "#pragma once\n#include <linux/netlink.h>\n",
+    "tools/replay/ScriptedHost.h": '#pragma once\n#include "QuellonCore/Support/Time.h"\n',
+    "tests/QuellonCore/TimeTests.cpp": '#include "ScriptedHost.h"\n#include <gtest/gtest.h>\n',
+}
+
+
+def run_check(script: str, files: dict):
+    """Exit status and output of the check over a project with these files."""
+    with tempfile.TemporaryDirectory() as root:
+        for path, text in files.items():
+            full = os.path.join(root, path)
+            os.makedirs(os.path.dirname(full), exist_ok=True)
+            with open(full, "w", encoding="utf-8") as file:
+                file.write(text)
+        done = subprocess.run([sys.executable, os.path.join(HERE, script), root], capture_output=True, text=True,
+                              check=False)
+        return done.returncode, done.stdout + done.stderr
+
+
+class Layers(unittest.TestCase):
+    def test_clean_project(self):
+        status, output = run_check("layers.py", CLEAN)
+        self.assertEqual((status, output), (0, f"{len(CLEAN)} files, 0 problems\n"))
+
+    def test_empty_project(self):
+        self.assertEqual(run_check("layers.py", {})[0], 1)
+
+    def test_planted(self):
+        cases = (
+            ("core includes the host", "src/QuellonCore/A.cpp", '#include "QuellonHost/Posix/Pipe.h"'),
+            ("core includes Qt", "src/QuellonCore/A.cpp", "#include <QString>"),
+            ("core includes a Qt module", "src/QuellonCore/A.cpp", "#include <QtCore/QString>"),
+            ("core includes the system", "src/QuellonCore/A.cpp", "#include <unistd.h>"),
+            ("core includes curses", "src/QuellonCore/A.cpp", "#include <curses.h>"),
+            ("blanks in the directive", "src/QuellonCore/A.cpp", "  #  include  <QString>"),
+            ("portable host includes Linux", "src/QuellonHost/Posix/A.cpp", "#include <sys/epoll.h>"),
+            ("portable host includes the Linux host", "src/QuellonHost/Posix/A.cpp",
+             '#include "QuellonHost/Linux/Journal.h"'),
+            ("the host includes the terminal", "src/QuellonHost/Linux/A.cpp", '#include "QuellonTerminal/View.h"'),
+            ("the probe includes core", "src/QuellonProbe/A.cpp", '#include "QuellonCore/Support/Time.h"'),
+            ("a view includes the host", "src/QuellonUI/A.cpp", '#include "QuellonHost/Posix/Pipe.h"'),
+            ("a view includes the system", "src/QuellonUI/A.cpp", "#include <unistd.h>"),
+            ("the terminal includes Qt", "src/QuellonTerminal/A.cpp", "#include <QObject>"),
+            ("the terminal includes the desktop", "src/QuellonTerminal/A.cpp", '#include "QuellonUI/Row.h"'),
+            ("the application includes the probe", "src/Quellon/main.cpp", '#include "QuellonProbe/Text.h"'),
+            ("a core test includes Qt", "tests/QuellonCore/A.cpp", "#include <QString>"),
+            ("a core test includes a view", "tests/QuellonCore/A.cpp", '#include "QuellonUI/Row.h"'),
+            ("the scripted world includes the host", "tools/replay/A.cpp", '#include "QuellonHost/Posix/Pipe.h"'),
+            ("ours by bare name", "src/QuellonCore/Support/A.cpp", '#include "Time.h"'),
+            ("a file that is not there", "src/QuellonCore/A.cpp", '#include "QuellonCore/Nothing.h"'),
+        )
+        for name, path, line in cases:
+            with self.subTest(name):
+                status, output = run_check("layers.py", CLEAN | {path: f"// first line\n{line}\n"})
+                self.assertEqual(status, 1, output)
+                self.assertIn(f"{path}:2: ", output)
+
+    def test_header_without_guard(self):
+        status, output = run_check("layers.py", CLEAN | {"src/QuellonCore/A.h": "struct A {};\n"})
+        self.assertEqual(status, 1)
+        self.assertIn("src/QuellonCore/A.h:1: no #pragma once", output)
+
+
+class OwnWords(unittest.TestCase):
+    def test_clean_project(self):
+        fine = "// Part of the picture; /run/lab/home, ~/work/, build/root/, usr/shared/lib, an issue of taste\n"
+        status, output = run_check("own_words.py", CLEAN | {"src/QuellonCore/A.cpp": fine})
+        self.assertEqual((status, output), (0, f"{len(CLEAN) + 1} files, 0 problems\n"))
+
+    def test_planted(self):
+        cases = (
+            ("folder of a build machine", "/wo" "rk/main/src"),
+            ("root's folder", "see /ro" "ot/.cache"),
+            ("somebody's folder", "/ho" "me/anna/x"),
+            ("work for later", "// TO" "DO: think"),
+            ("numbered part", "as Pa" "rt 2.2 says"),
+            ("foreign document", "the spec" "ification wants it so"),
+            ("numbered discussion", "see is" "sue #12"),
+        )
+        for name, text in cases:
+            for path in ("src/QuellonCore/A.cpp", "README.md", "tests/QuellonCore/A.cpp", ".ci/run"):
+                with self.subTest(name, path=path):
+                    status, output = run_check("own_words.py", CLEAN | {path: f"first line\n{text}\n"})
+                    self.assertEqual(status, 1, output)
+                    self.assertIn(f"{path}:2: ", output)
+
+
+class LinksNoQt(unittest.TestCase):
+    def test_listing(self):
+        self.assertEqual(links_no_qt.qt_libraries("\tlibc.so.6 => /lib/libc.so.6 (0x1)\n"), [])
+        self.assertEqual(links_no_qt.qt_libraries("\tlibQt6Core.so.6 => /lib/libQt6Core.so.6 (0x1)\n"),
+                         ["libQt6Core.so.6", "libQt6Core.so.6"])
+
+
+if __name__ == "__main__":
+    unittest.main()

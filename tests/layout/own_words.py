@@ -1,0 +1,69 @@
+#!/usr/bin/env python3
+"""Checks that the project stands on its own feet.
+
+    own_words.py ROOT
+
+Prints every place below ROOT that names a folder of somebody's machine, leaves work for later, or refers to a document
+or a discussion that is not in the project; exit status 1 when there is one.
+"""
+
+import os
+import re
+import sys
+
+RULES = (
+    ("a path of one machine", re.compile(r"(?<![\w.}~/])/(work|root|home/\w+|Users/\w+)/")),
+    ("work left for later", re.compile(r"\b(TO" r"DO|FIX" r"ME|XX" r"X)\b")),
+    ("a document that is not here", re.compile(r"\bshared/(?!lib)|\bspec\.md\b|\bParts? \d+(\.\d+)*\b"
+                                               r"|\b(the|our|per|see) spec(ification)?\b", re.IGNORECASE)),
+    ("a discussion that is not here", re.compile(r"\bissues? #?\d|\bsession \d", re.IGNORECASE)),
+)
+TOP = ("src", "tools", "tests", "docs", "data", "cmake", ".ci")
+SKIPPED_FOLDERS = {"__pycache__"}
+# What other people's tools printed is kept as they printed it; this folder names what it looks for.
+SKIPPED_PATHS = ("tests/data/", "tests/layout/")
+
+
+def files(root: str):
+    for name in sorted(os.listdir(root)):
+        if os.path.isfile(os.path.join(root, name)):
+            yield name
+    for top in TOP:
+        for folder, folders, names in os.walk(os.path.join(root, top)):
+            folders[:] = sorted(set(folders) - SKIPPED_FOLDERS)
+            for name in sorted(names):
+                yield os.path.relpath(os.path.join(folder, name), root)
+
+
+def problems_in(path: str, text: str):
+    for number, line in enumerate(text.split("\n"), start=1):
+        for what, pattern in RULES:
+            match = pattern.search(line)
+            if match:
+                yield f"{path}:{number}: {what}: {match.group(0)}"
+
+
+def main() -> int:
+    root = sys.argv[1]
+    count = 0
+    found = []
+    for path in files(root):
+        if path.startswith(SKIPPED_PATHS):
+            continue
+        with open(os.path.join(root, path), "rb") as file:
+            content = file.read()
+        if b"\0" in content:
+            continue
+        count += 1
+        found += problems_in(path, content.decode("utf-8", "replace"))
+    for problem in found:
+        print(problem)
+    if count == 0:
+        print(f"no files below {root}")
+        return 1
+    print(f"{count} files, {len(found)} problems")
+    return 1 if found else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

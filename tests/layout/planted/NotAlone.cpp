@@ -1,0 +1,1 @@
+#include "NotAlone.h"
