@@ -46,8 +46,8 @@ void GuardEngine::start()
 {
     if (isRunning_) return;
     isRunning_ = true;
-    append(GuardEvent::Kind::info, fmt::format("{} started · {} rules", displayName(capabilities_.edition),
-                                               settings_.enabledRuleCount()));
+    append(GuardEvent::Kind::info,
+           fmt::format("{} started · {} rules", displayName(capabilities_.edition), settings_.enabledRuleCount()));
     if (const auto reason = capabilities_.enforcementBlockedReason()) {
         append(GuardEvent::Kind::warning, std::string{*reason});
     }
@@ -105,7 +105,10 @@ void GuardEngine::applySettings()
     if (isRunning_) restartTimer();
 }
 
-bool GuardEngine::showsTetherHint() const { return idleTetherInterface_ && !settings_.tetherHintDismissed; }
+bool GuardEngine::showsTetherHint() const
+{
+    return idleTetherInterface_ && !settings_.tetherHintDismissed;
+}
 
 void GuardEngine::changed()
 {

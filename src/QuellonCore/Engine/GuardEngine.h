@@ -40,7 +40,7 @@ public:
         std::optional<InterfaceCounter> interfaceCounter; ///< Only read while metered.
         std::optional<std::string> nettopCSV;             ///< Absent when the sample failed or was not taken.
         std::string psOutput;                             ///< Empty when it failed or was not asked for.
-        bool sampled = false; ///< False only for a metered-only guard off a metered network.
+        bool sampled = false;                      ///< False only for a metered-only guard off a metered network.
         std::vector<std::string> timedOutCommands; ///< Paths of the commands that timed out since the last tick.
     };
 
@@ -67,7 +67,8 @@ public:
 
     /// Reads the state files and the names of the interfaces (blocking for at most four seconds), and starts when
     /// `options.autoStart` is set. No unreadable file stops it.
-    explicit GuardEngine(Host host, Options options = {});
+    GuardEngine(Host host, Options options);
+    explicit GuardEngine(Host host) : GuardEngine(std::move(host), Options{}) {}
     ~GuardEngine();
     GuardEngine(const GuardEngine&) = delete;
     GuardEngine& operator=(const GuardEngine&) = delete;

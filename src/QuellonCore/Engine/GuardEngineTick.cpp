@@ -12,7 +12,10 @@ namespace quellon {
 
 namespace {
 
-std::string_view lastPathComponent(std::string_view path) { return path.substr(path.rfind('/') + 1); }
+std::string_view lastPathComponent(std::string_view path)
+{
+    return path.substr(path.rfind('/') + 1);
+}
 
 } // namespace
 
@@ -27,7 +30,8 @@ void GuardEngine::tick()
     isTicking_ = true;
     const Date startedAt = host_.clock.now();
     // By value: the work may outlive this engine, though not its host.
-    const auto collect = [host = host_, meteredOnly = settings_.meteredOnly, canSample = capabilities_.canSampleTraffic] {
+    const auto collect = [host = host_, meteredOnly = settings_.meteredOnly,
+                          canSample = capabilities_.canSampleTraffic] {
         return collectInputs(host, meteredOnly, canSample);
     };
     Shell::offMain<TickInputs>(

@@ -11,8 +11,8 @@ namespace quellon {
 struct GuardSettings {
     Seconds sampleInterval{5.0}; ///< Pace of the tick while traffic is sampled.
     CountDirection direction = CountDirection::both;
-    bool meteredOnly = true;           ///< Watch only while on a metered network.
-    bool tetherHintDismissed = false;  ///< The user closed the hint about an idle tether.
+    bool meteredOnly = true;          ///< Watch only while on a metered network.
+    bool tetherHintDismissed = false; ///< The user closed the hint about an idle tether.
 
     /// The window that the tables show: the shortest window of an enabled rule; 60 seconds when no rule is enabled.
     [[nodiscard]] Seconds primaryWindow() const { return Seconds{60.0}; }

@@ -6,7 +6,10 @@ namespace {
 
 constexpr std::size_t textLength = 36;
 
-constexpr bool isHyphenPlace(std::size_t i) { return i == 8 || i == 13 || i == 18 || i == 23; }
+constexpr bool isHyphenPlace(std::size_t i)
+{
+    return i == 8 || i == 13 || i == 18 || i == 23;
+}
 
 std::optional<std::uint8_t> hexDigit(char c)
 {
