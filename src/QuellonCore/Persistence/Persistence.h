@@ -1,0 +1,82 @@
+#pragma once
+
+#include "QuellonCore/Host/Host.h"
+#include "QuellonCore/Support/Json.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quellon {
+
+/// The state files: small JSON files in one folder. Which folder is decided once, so that a process that is not the
+/// real application never touches the user's files. Main thread only. No failure shows: what can't be saved is saved
+/// by the next save, and what can't be read is not there.
+class Persistence {
+public:
+    static constexpr std::string_view settingsFile = "settings.json";
+    static constexpr std::string_view ledgerFile = "ledger.json";
+    static constexpr std::string_view budgetFile = "budget.json";
+    static constexpr std::string_view suspendedFile = "suspended.json";
+    static constexpr std::string_view livenessFile = "liveness.json";
+    static constexpr std::string_view enforcementHistoryFile = "enforcement-history.json";
+    static constexpr std::string_view explanationsFile = "explanations.json";
+
+    /// The environment variable that names another folder.
+    static constexpr std::string_view stateDirectoryEnvironmentKey = "QUELLON_STATE_DIR";
+    /// The process name of the real application, and the name of its folder.
+    static constexpr std::string_view appProcessName = "Quellon";
+    /// What the process id follows in the name of a throw-away folder.
+    static constexpr std::string_view transientPrefix = "QuellonTransient-";
+
+    /// Looks up the value of an environment variable.
+    using Environment = std::function<std::optional<std::string>(std::string_view)>;
+
+    /// Decides the folder; touches no file.
+    explicit Persistence(const Host& host);
+
+    /// The state folder. It need not exist.
+    [[nodiscard]] const std::filesystem::path& directory() const { return directory_; }
+
+    /// Writes the file anew as a whole: the readable file is always a complete earlier version or this one. A value
+    /// that JSON can't hold (a number that is not finite, a text that is not UTF-8) saves nothing.
+    template <typename T>
+    void save(const T& value, std::string_view name) const
+    {
+        saveText(name, [&value] { return dumpJson(toJson(value)); });
+    }
+
+    /// The file's value; absent when the file can't be read or does not hold a `T`. The file stays as it is.
+    template <typename T>
+    [[nodiscard]] std::optional<T> load(std::string_view name) const
+    {
+        const auto json = loadJson(name);
+        return json ? fromJson<T>(*json) : std::nullopt;
+    }
+
+    /// Removes the file, if it is there.
+    void remove(std::string_view name) const;
+
+    /// The folder for these inputs: `override` as it stands unless empty; the application's own folder for the real
+    /// application; otherwise a throw-away folder of this process.
+    [[nodiscard]] static std::filesystem::path resolveDirectory(const std::optional<std::string>& override,
+                                                                std::string_view processName, bool isTestHost,
+                                                                const std::filesystem::path& applicationSupport,
+                                                                const std::filesystem::path& temporary,
+                                                                std::int32_t pid);
+
+    /// Whether a process of this name and environment runs tests: under XCTest, or as one of our test programs.
+    [[nodiscard]] static bool isRunningInTestHost(std::string_view processName, const Environment& environment);
+
+private:
+    void saveText(std::string_view name, const std::function<std::optional<std::string>()>& encode) const;
+    [[nodiscard]] std::optional<Json> loadJson(std::string_view name) const;
+
+    FileStore& files_;
+    std::filesystem::path directory_;
+};
+
+} // namespace quellon
