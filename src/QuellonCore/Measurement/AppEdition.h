@@ -1,0 +1,42 @@
+#pragma once
+
+#include "QuellonCore/Support/EnumTable.h"
+
+#include <string_view>
+
+namespace quellon {
+
+/// The flavour of a build. The label of the table is the name that people see.
+enum class AppEdition { pro, appStore };
+
+inline constexpr EnumTable<AppEdition, 2> appEditions{{{
+    {AppEdition::pro, "pro", "Quellon Pro"},
+    {AppEdition::appStore, "appStore", "Quellon"},
+}}};
+
+constexpr const auto& enumTable(AppEdition /*type*/)
+{
+    return appEditions;
+}
+
+/// The edition of this build.
+inline constexpr AppEdition currentEdition = AppEdition::pro;
+
+[[nodiscard]] constexpr std::string_view displayName(AppEdition edition)
+{
+    return appEditions.label(edition);
+}
+
+/// Whether the edition may signal other processes.
+[[nodiscard]] constexpr bool allowsEnforcement(AppEdition edition)
+{
+    return edition == AppEdition::pro;
+}
+
+/// Whether the edition may run the system's tools.
+[[nodiscard]] constexpr bool allowsSystemCommands(AppEdition edition)
+{
+    return allowsEnforcement(edition);
+}
+
+} // namespace quellon
