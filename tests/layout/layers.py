@@ -19,7 +19,7 @@ DATE = r"date/.+"
 UTF8PROC = r"utf8proc\.h"
 CURL = r"curl/.+"
 QT = r"Q[A-Z]\w+|Qt[A-Z]\w*/.+"
-CURSES = r"(ncursesw/)?n?curses\.h"
+CURSES = r"(ncursesw/)?(n?curses|term)\.h"
 POSIX = (r"(dirent|errno|fcntl|fnmatch|grp|ifaddrs|langinfo|limits|locale|net/if|netdb|poll|pthread|pwd|sched|semaphore"
          r"|signal|spawn|stdint|stdio|stdlib|string|strings|syslog|termios|time|unistd|wchar|wordexp|arpa/inet"
          r"|netinet/(in|tcp)|sys/(file|ioctl|ipc|mman|resource|select|socket|stat|statvfs|time|types|uio|un|utsname|wait)"
@@ -34,7 +34,7 @@ class Layer:
 
     ours: tuple
     others: tuple
-    # Further folders whose headers are included by bare name, beside the file's own folder.
+    # Further folders that paths in quotes may begin from.
     beside: tuple = field(default=())
 
 
@@ -69,7 +69,8 @@ def is_allowed(root: str, path: str, layer: Layer, bracket: str, name: str) -> b
     if bracket == "<":
         return any(re.fullmatch(pattern, name) for pattern in layer.others)
     if name.startswith("Quellon"):
-        return name.startswith(layer.ours) and os.path.isfile(os.path.join(root, "src", name))
+        folders = ("src", *layer.beside)
+        return name.startswith(layer.ours) and any(os.path.isfile(os.path.join(root, top, name)) for top in folders)
     if path.startswith("src/"):
         # Ours are written from src; what remains is Qt's generated code beside its source.
         return name == os.path.splitext(os.path.basename(path))[0] + ".moc"
