@@ -1,0 +1,137 @@
+#include "QuellonCore/Presentation/OverviewModel.h"
+
+#include "QuellonCore/Presentation/PlainText.h"
+#include "QuellonCore/Support/Checked.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <unordered_map>
+
+namespace quellon {
+
+namespace {
+
+constexpr Seconds minute{60.0};
+
+/// A window's length in its largest whole unit: "1h", "5min", "90s".
+std::string windowLabel(Seconds window)
+{
+    const std::uint64_t seconds = checkedWhole(window.count());
+    if (seconds != 0 && seconds % 3600 == 0) return fmt::format("{}h", seconds / 3600);
+    if (seconds != 0 && seconds % 60 == 0) return fmt::format("{}min", seconds / 60);
+    return fmt::format("{}s", seconds);
+}
+
+std::string shareText(double share)
+{
+    const double percent = std::round(share * 100.0);
+    if (share > 0.0 && percent < 1.0) return "<1%";
+    return fmt::format("{:.0f}%", percent);
+}
+
+std::string displayName(const GuardEngine& engine, const std::string& device)
+{
+    return plainText(InterfaceNames::display(device, engine.interfaceNames()));
+}
+
+std::optional<std::string> counters(const GuardEngine& engine)
+{
+    const auto& reading = engine.interfaceCounter();
+    if (!reading) return std::nullopt;
+    return fmt::format("↓ {}  ↑ {}", MenuPresentation::format(reading->inBytes),
+                       MenuPresentation::format(reading->outBytes));
+}
+
+std::optional<std::string> warning(const GuardEngine& engine, const Calendar& calendar)
+{
+    const auto failedAt = engine.lastSampleFailureAt();
+    if (!failedAt) return std::nullopt;
+    // A round notes that it has ended and then what it got, so a later end belongs to a later round, which got a sample
+    // or needed none.
+    const auto completedAt = engine.sampling().lastCompletedAt;
+    if (completedAt && *completedAt > *failedAt) return std::nullopt;
+    return fmt::format("Couldn't read per-app traffic at {} — retrying", calendar.clockTime(*failedAt));
+}
+
+std::optional<std::string> hint(const GuardEngine& engine)
+{
+    if (!engine.showsTetherHint()) return std::nullopt;
+    const std::string idle = displayName(engine, *engine.idleTetherInterface());
+    const std::string& system = engine.host().platform.name;
+    if (engine.status().interface.empty()) {
+        return fmt::format("{} is ready, but {} is sending traffic elsewhere.", idle, system);
+    }
+    return fmt::format("{} is ready, but {} is still using {}.", idle, system,
+                       displayName(engine, engine.status().interface));
+}
+
+std::string emptyText(const GuardEngine& engine)
+{
+    if (const auto reason = engine.capabilities().samplingBlockedReason()) return std::string{*reason};
+    return engine.isRunning() ? "No traffic yet" : "Guard is off";
+}
+
+std::unordered_map<std::string, std::uint64_t> lastMinute(const GuardEngine& engine, Date now)
+{
+    // Where the tables show the last minute anyway, both columns come from the one list, so that they can't differ by
+    // the moments between the tick and now.
+    const auto totals =
+        engine.settings().primaryWindow() == minute ? engine.usage() : engine.ledger().totals(minute, now);
+    std::unordered_map<std::string, std::uint64_t> result;
+    for (const AppUsage& each : totals) result.emplace(each.app, each.bytes);
+    return result;
+}
+
+std::vector<OverviewModel::Row> rows(const GuardEngine& engine, Date now)
+{
+    double sum = 0.0;
+    for (const AppUsage& each : engine.usage()) sum += static_cast<double>(each.bytes);
+    const auto recent = lastMinute(engine, now);
+    std::vector<OverviewModel::Row> result;
+    result.reserve(engine.usage().size());
+    for (const AppUsage& each : engine.usage()) {
+        const double share = sum > 0.0 ? static_cast<double>(each.bytes) / sum : 0.0;
+        const auto found = recent.find(each.app);
+        result.push_back({plainText(each.app), MenuPresentation::format(each.bytes),
+                          MenuPresentation::format(found == recent.end() ? 0 : found->second), share,
+                          shareText(share)});
+    }
+    return result;
+}
+
+std::vector<OverviewModel::LogLine> log(const GuardEngine& engine, const Calendar& calendar)
+{
+    std::vector<OverviewModel::LogLine> result;
+    result.reserve(engine.events().size());
+    for (const GuardEvent& each : engine.events()) {
+        result.push_back({each.id, calendar.clockTime(each.at), each.kind, plainText(each.message)});
+    }
+    return result;
+}
+
+} // namespace
+
+OverviewModel OverviewModel::of(const GuardEngine& engine, Date now, const Calendar& calendar)
+{
+    const bool isRunning = engine.isRunning();
+    const bool isMetered = engine.status().isMetered;
+    const bool meteredOnly = engine.settings().meteredOnly;
+    return {
+        .tone = MenuPresentation::tone(isRunning, isMetered, meteredOnly),
+        .title = std::string{MenuPresentation::statusTitle(isRunning, isMetered, meteredOnly)},
+        .detail = plainText(engine.status().detail),
+        .interface = displayName(engine, engine.status().interface),
+        .counters = quellon::counters(engine),
+        .warning = quellon::warning(engine, calendar),
+        .hint = quellon::hint(engine),
+        .windowHeading = fmt::format("{} window", windowLabel(engine.settings().primaryWindow())),
+        .emptyText = quellon::emptyText(engine),
+        .rows = quellon::rows(engine, now),
+        .log = quellon::log(engine, calendar),
+    };
+}
+
+} // namespace quellon
