@@ -1,0 +1,67 @@
+#include "QuellonTerminal/PlainView.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <poll.h>
+#include <unistd.h>
+#include <utility>
+
+namespace quellon {
+
+namespace {
+
+constexpr Seconds retryDelay{0.25};
+
+/// Whether a write of at most PIPE_BUF bytes comes back at once, be it with an error.
+bool isReady(int descriptor)
+{
+    pollfd waited{descriptor, POLLOUT, 0};
+    return poll(&waited, 1, 0) != 0;
+}
+
+} // namespace
+
+PlainView::PlainView(GuardEngine& engine, const Calendar& calendar, int descriptor, std::function<void(End)> ended)
+    : engine_(engine),
+      calendar_(calendar),
+      descriptor_(descriptor),
+      ended_(std::move(ended)),
+      observation_(engine, [this] { refresh(); })
+{
+    refresh();
+}
+
+void PlainView::refresh()
+{
+    const Date now = engine_.host().clock.now();
+    std::string text = lines_.next(OverviewModel::of(engine_, now, calendar_), calendar_.clockTime(now),
+                                   engine_.sampling().completedTicks);
+    if (ended_ == nullptr || waiting_.size() + text.size() > mostWaiting) return;
+    waiting_ += text;
+    flush();
+}
+
+void PlainView::flush()
+{
+    while (!waiting_.empty()) {
+        ssize_t count = -1;
+        errno = EAGAIN;
+        if (isReady(descriptor_)) {
+            count = write(descriptor_, waiting_.data(), std::min<std::size_t>(waiting_.size(), PIPE_BUF));
+        }
+        const int error = errno;
+        if (count >= 0) {
+            waiting_.erase(0, static_cast<std::size_t>(count));
+        } else if (error == EAGAIN) {
+            retry_ = engine_.host().runLoop.after(retryDelay, [this] { flush(); });
+            return;
+        } else if (error != EINTR) {
+            waiting_.clear();
+            std::exchange(ended_, nullptr)(error == EPIPE ? End::readerGone : End::failed);
+            return;
+        }
+    }
+}
+
+} // namespace quellon
