@@ -1,0 +1,136 @@
+// What the main thread pays for a sample: reading the traffic sample of a busy machine (2,000 connections of 400
+// processes) and its process table. Beside it, in the same run, a plain parser of the same text and two passes over the
+// bytes that do nothing with them; the ratios to these are printed at the end.
+
+#include "QuellonCore/Measurement/NettopParser.h"
+#include "QuellonCore/Measurement/ProcessTable.h"
+#include "fuzz/NaiveNettop.h"
+
+#include <benchmark/benchmark.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <string>
+
+namespace quellon {
+namespace {
+
+constexpr int processCount = 400;
+constexpr int connectionsEach = 5;
+
+std::string nettopText()
+{
+    std::string text = "time,,interface,bytes_in,bytes_out,\n";
+    for (int process = 0; process < processCount; ++process) {
+        text += fmt::format("12:34:56.123456,Some Helper {}.{},,{},{},\n", process % 10, 1000 + process, 1000, 2000);
+        for (int i = 0; i < connectionsEach; ++i) {
+            const int port = 49152 + process * connectionsEach + i;
+            // As on a real machine: most over IPv4, some over IPv6, some in the local network, some listening.
+            const std::string label =
+                i == 1   ? fmt::format("tcp6 2001:db8:1:2:3:4:5:6.{}<->2606:4700:4700::{:x}.443", port, process)
+                : i == 2 ? fmt::format("tcp4 192.168.1.20:{}<->192.168.1.{}:445", port, process % 250)
+                : i == 3 ? fmt::format("udp4 *:{}<->*:*", port)
+                         : fmt::format("tcp4 192.168.1.20:{}<->93.184.{}.{}:443", port, process % 250, i);
+            text += fmt::format("12:34:56.123456,{},en0,{},{},\n", label, 123'456'789L * port, 987'654L * port);
+        }
+    }
+    return text;
+}
+
+std::string psText()
+{
+    std::string text;
+    for (int process = 0; process < processCount; ++process) {
+        text += fmt::format(
+            "{:5} {:5} {:5} /Applications/Some Program {}.app/Contents/Frameworks/Helper.app/Contents/MacOS/"
+            "Helper\n",
+            1000 + process, 501, 1000, process % 40);
+    }
+    return text;
+}
+
+/// Runs `pass` over `text` again and again, and reports bytes a second.
+template <typename Pass>
+void measure(benchmark::State& state, const std::string& text, const Pass& pass)
+{
+    for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(pass(text));
+    state.SetBytesProcessed(static_cast<std::int64_t>(text.size()) * static_cast<std::int64_t>(state.iterations()));
+}
+
+void nettopParse(benchmark::State& state)
+{
+    measure(state, nettopText(), [](const std::string& text) { return NettopParser::parse(text, "en0"); });
+}
+BENCHMARK(nettopParse);
+
+void nettopPlainParser(benchmark::State& state)
+{
+    measure(state, nettopText(), [](const std::string& text) { return NaiveNettop::parse(text, "en0"); });
+}
+BENCHMARK(nettopPlainParser);
+
+void nettopCountLines(benchmark::State& state)
+{
+    measure(state, nettopText(), [](const std::string& text) { return std::count(text.begin(), text.end(), '\n'); });
+}
+BENCHMARK(nettopCountLines);
+
+void nettopCopy(benchmark::State& state)
+{
+    std::string copy(nettopText().size(), '\0');
+    measure(state, nettopText(), [&copy](const std::string& text) {
+        std::memcpy(copy.data(), text.data(), text.size());
+        benchmark::ClobberMemory();
+        return copy.data();
+    });
+}
+BENCHMARK(nettopCopy);
+
+void psParse(benchmark::State& state)
+{
+    measure(state, psText(), [](const std::string& text) { return ProcessTable::parse(text); });
+}
+BENCHMARK(psParse);
+
+void appLabel(benchmark::State& state)
+{
+    const std::string command = "/Applications/Some Program.app/Contents/Frameworks/Helper.app/Contents/MacOS/Helper";
+    measure(state, command, [](const std::string& text) { return ProcessTable::appLabel(text); });
+}
+BENCHMARK(appLabel);
+
+/// Prints the usual table and remembers the times.
+class Reporter final : public benchmark::ConsoleReporter {
+public:
+    Reporter() : ConsoleReporter{OO_Tabular} {}
+    void ReportRuns(const std::vector<Run>& runs) override
+    {
+        for (const Run& run : runs) times_[run.run_name.function_name] = run.GetAdjustedCPUTime();
+        ConsoleReporter::ReportRuns(runs);
+    }
+    void printRatio(const std::string& name, const std::string& peer)
+    {
+        if (!times_.contains(name) || !times_.contains(peer)) return; // left out by a filter
+        GetOutputStream() << fmt::format("{} / {}: {:.3f} of its time\n", name, peer, times_[name] / times_[peer]);
+    }
+
+private:
+    std::map<std::string, double> times_;
+};
+
+} // namespace
+} // namespace quellon
+
+int main(int argc, char** argv)
+{
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
+    quellon::Reporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    for (const char* peer : {"nettopPlainParser", "nettopCountLines", "nettopCopy"}) {
+        reporter.printRatio("nettopParse", peer);
+    }
+    return 0;
+}
