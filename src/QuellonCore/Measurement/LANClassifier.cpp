@@ -19,13 +19,13 @@ std::optional<IPv4> parseIPv4(std::string_view host)
 {
     constexpr std::ptrdiff_t points = 3;
     if (std::ranges::count(host, '.') != points) return std::nullopt;
-    IPv4 address{};
-    for (std::uint8_t& byte : address) {
-        const auto part = parseWhole<std::uint8_t>(takeUntil(host, '.'));
-        if (!part) return std::nullopt;
-        byte = *part;
-    }
-    return address;
+    const auto takePart = [&host] { return parseWhole<std::uint8_t>(takeUntil(host, '.')); };
+    const auto a = takePart();
+    const auto b = takePart();
+    const auto c = takePart();
+    const auto d = takePart();
+    if (!a || !b || !c || !d) return std::nullopt;
+    return IPv4{*a, *b, *c, *d};
 }
 
 bool isPrivateIPv4(const IPv4& address)
