@@ -14,6 +14,8 @@
 namespace quellon {
 namespace {
 
+using namespace std::string_view_literals;
+
 constexpr std::string_view conventionalAddress = "unix:path=/run/dbus/system_bus_socket";
 constexpr std::size_t longestGreeting = 1024;
 
@@ -62,17 +64,6 @@ std::optional<std::string> socketName(std::string_view alternative)
         return key == "path" ? *name : std::string(1, '\0') + *name;
     }
     return std::nullopt;
-}
-
-std::string hexadecimal(std::string_view text)
-{
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string hex;
-    for (const char c : text) {
-        hex += digits[static_cast<unsigned char>(c) >> 4U];
-        hex += digits[static_cast<unsigned char>(c) & 0x0FU];
-    }
-    return hex;
 }
 
 } // namespace
@@ -160,19 +151,21 @@ bool MessageBus::openSocket(const std::string& name, Deadline deadline)
     return errno == EINPROGRESS && wait(POLLOUT, deadline);
 }
 
+/// Says that this is whoever the kernel tells the bus it is. To name the user would fail in a user namespace, where the
+/// same user has another number.
 bool MessageBus::authenticate(Deadline deadline)
 {
-    const auto user = hexadecimal(std::to_string(geteuid()));
-    if (!send(std::string(1, '\0') + "AUTH EXTERNAL " + user + "\r\n", deadline)) return false;
-    for (;;) {
-        const auto end = received_.find("\r\n");
-        if (end != std::string::npos) {
-            const bool welcome = received_.compare(0, 3, "OK ") == 0;
-            received_.erase(0, end + 2);
-            return welcome && send("BEGIN\r\n", deadline);
+    if (!send("\0AUTH EXTERNAL\r\nDATA\r\n"sv, deadline)) return false;
+    for (const std::string_view expected : {"DATA", "OK "}) {
+        auto end = received_.find("\r\n");
+        while (end == std::string::npos) {
+            if (received_.size() > longestGreeting || !receive(deadline)) return false;
+            end = received_.find("\r\n");
         }
-        if (received_.size() > longestGreeting || !receive(deadline)) return false;
+        if (received_.compare(0, expected.size(), expected) != 0) return false;
+        received_.erase(0, end + 2);
     }
+    return send("BEGIN\r\n", deadline);
 }
 
 std::optional<BusMessage> MessageBus::awaitReply(std::uint32_t serial, Deadline deadline)

@@ -120,9 +120,10 @@ TEST(MessageBus, leavesAnOddBus)
         std::string words;
         bool endsEarly; ///< before the time is up
     };
-    const std::string ok = "OK 00ff\r\n";
+    const std::string ok = "DATA\r\nOK 00ff\r\n";
     const Case cases[] = {
         {"rejects the user", "REJECTED EXTERNAL\r\n", true},
+        {"rejects the user at the second word", "DATA\r\nREJECTED EXTERNAL\r\n", true},
         {"greeting without an end", std::string(100'000, 'x'), true},
         {"speaks something else", ok + "HTTP/1.1 400 Bad Request\r\n\r\n", true},
         {"message of 4 GiB", ok + std::string{"l\2\1\1\xFF\xFF\xFF\xFF\1\0\0\0\0\0\0\0"sv}, true},
