@@ -1,0 +1,48 @@
+#include "Check.h"
+#include "QuellonCore/Measurement/UsageLedger.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace {
+
+using namespace quellon;
+
+void checkLedger(const UsageLedger::Snapshot& snapshot)
+{
+    constexpr Seconds retention{3'600};
+    const Date now = snapshot.buckets.empty() ? Date{} : snapshot.buckets.front().at;
+    UsageLedger ledger{retention, Seconds{5}, CountDirection::both};
+    ledger.restore(snapshot.buckets, now);
+    FUZZ_CHECK(ledger.snapshot().buckets.size() <= snapshot.buckets.size());
+    for (const auto& bucket : ledger.snapshot().buckets) FUZZ_CHECK(bucket.at >= now - retention);
+    for (const Seconds window : {retention, Seconds{60}}) {
+        for (const auto& usage : ledger.totals(window, now)) {
+            FUZZ_CHECK(ledger.total(usage.app, window, now) == usage.bytes);
+        }
+    }
+    for (const auto& usage : ledger.totals(retention, now)) ledger.clear(usage.app);
+    FUZZ_CHECK(ledger.totals(retention, now).empty());
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const std::string text(data, data + size);
+    const auto json = parseJson(text);
+    if (!json) return 0;
+
+    const auto written = dumpJson(*json);
+    FUZZ_CHECK(written.has_value());
+    FUZZ_CHECK(!fuzz::contains(*written, "\n"));
+    FUZZ_CHECK(parseJson(*written) == json);
+
+    const auto snapshot = fromJson<UsageLedger::Snapshot>(*json);
+    if (!snapshot) return 0;
+    const auto saved = dumpJson(toJson(*snapshot));
+    FUZZ_CHECK(saved.has_value());
+    FUZZ_CHECK(fromJson<UsageLedger::Snapshot>(parseJson(*saved).value()) == snapshot);
+    checkLedger(*snapshot);
+    return 0;
+}
