@@ -4,6 +4,8 @@
 
 #include "QuellonCore/Measurement/NettopParser.h"
 #include "QuellonCore/Measurement/ProcessTable.h"
+#include "QuellonCore/Measurement/UsageLedger.h"
+#include "QuellonCore/Settings/GuardSettings.h"
 #include "fuzz/NaiveNettop.h"
 
 #include <benchmark/benchmark.h>
@@ -20,7 +22,8 @@ namespace {
 constexpr int processCount = 400;
 constexpr int connectionsEach = 5;
 
-std::string nettopText()
+/// The sample at one moment; every connection has moved since the moment before.
+std::string nettopText(int moment = 0)
 {
     std::string text = "time,,interface,bytes_in,bytes_out,\n";
     for (int process = 0; process < processCount; ++process) {
@@ -33,7 +36,8 @@ std::string nettopText()
                 : i == 2 ? fmt::format("tcp4 192.168.1.20:{}<->192.168.1.{}:445", port, process % 250)
                 : i == 3 ? fmt::format("udp4 *:{}<->*:*", port)
                          : fmt::format("tcp4 192.168.1.20:{}<->93.184.{}.{}:443", port, process % 250, i);
-            text += fmt::format("12:34:56.123456,{},en0,{},{},\n", label, 123'456'789L * port, 987'654L * port);
+            text += fmt::format("12:34:56.123456,{},en0,{},{},\n", label, 123'456L * port + 4000L * moment,
+                                987L * port + 500L * moment);
         }
     }
     return text;
@@ -100,6 +104,35 @@ void appLabel(benchmark::State& state)
     measure(state, command, [](const std::string& text) { return ProcessTable::appLabel(text); });
 }
 BENCHMARK(appLabel);
+
+/// All that the main thread does with a sample, with an hour of samples in the ledger.
+void wholeSample(benchmark::State& state)
+{
+    const GuardSettings settings;
+    UsageLedger ledger{settings.requiredRetention(), settings.sampleInterval, settings.direction};
+    const std::string ps = psText();
+    int moment = 0;
+    std::string nettop;
+    const auto take = [&] {
+        const Date now{moment * settings.sampleInterval};
+        const auto table = ProcessTable::parse(ps);
+        ledger.ingest(NettopParser::parse(nettop, "en0"), now, [&table](std::int32_t pid) { return table.find(pid); });
+        return ledger.totals(settings.primaryWindow(), now);
+    };
+    const auto advance = [&] { nettop = nettopText(++moment); };
+    const int hour = static_cast<int>(settings.requiredRetention() / settings.sampleInterval);
+    while (moment < hour) {
+        advance();
+        benchmark::DoNotOptimize(take());
+    }
+    for ([[maybe_unused]] auto _ : state) {
+        state.PauseTiming();
+        advance();
+        state.ResumeTiming();
+        benchmark::DoNotOptimize(take());
+    }
+}
+BENCHMARK(wholeSample)->Unit(benchmark::kMillisecond);
 
 /// Prints the usual table and remembers the times.
 class Reporter final : public benchmark::ConsoleReporter {
