@@ -141,6 +141,12 @@ std::optional<NetlinkSocket> NetlinkSocket::open(int family)
 
 int NetlinkSocket::join(unsigned int group)
 {
+    // A socket without an address of its own has the kernel's, 0, and is passed over as the sender of what it tells.
+    sockaddr_nl own{};
+    socklen_t size = sizeof own;
+    if (getsockname(descriptor_, reinterpret_cast<sockaddr*>(&own), &size) != 0) return errno;
+    own.nl_family = AF_NETLINK;
+    if (own.nl_pid == 0 && bind(descriptor_, reinterpret_cast<const sockaddr*>(&own), sizeof own) != 0) return errno;
     return setsockopt(descriptor_, SOL_NETLINK, NETLINK_ADD_MEMBERSHIP, &group, sizeof group) == 0 ? 0 : errno;
 }
 
