@@ -55,7 +55,9 @@ std::optional<std::uint32_t> socketInode(std::string_view target)
     return inode;
 }
 
-/// Calls `visit` with the name of each entry of an open folder until it returns false. Without opendir(), whose buffer
+enum class Visited { goOn, absent, stop };
+
+/// Calls `visit` with the name of each entry of an open folder until it says stop. Without opendir(), whose buffer
 /// comes from the heap each time.
 template <typename Visit>
 void forEachEntry(int folder, Visit visit)
@@ -68,10 +70,52 @@ void forEachEntry(int folder, Visit visit)
             const char* entry = buffer.data() + at;
             unsigned short length = 0;
             std::memcpy(&length, entry + offsetof(dirent64, d_reclen), sizeof length);
-            if (!visit(entry + offsetof(dirent64, d_name))) return;
+            if (visit(entry + offsetof(dirent64, d_name)) == Visited::stop) return;
             at += length;
         }
     }
+}
+
+/// Calls `visit` with the `count` descriptors of a process; 0: it isn't known how many. The numbers are guessed from 0
+/// up, since a process gets the lowest that is free and listing them costs as much as looking at them. From where
+/// guesses go wrong too often they are listed: the kernel lists them in order, and a position in the folder is a number
+/// and two.
+template <typename Visit>
+void forEachDescriptor(int folder, std::int64_t count, Visit visit)
+{
+    std::int64_t found = 0;
+    std::int64_t missing = 0;
+    std::int64_t number = 0;
+    for (; found < count && missing <= 2 + count / 16; ++number) {
+        std::array<char, 24> name{};
+        std::to_chars(name.data(), name.data() + name.size() - 1, number);
+        const auto result = visit(name.data());
+        if (result == Visited::stop) return;
+        ++(result == Visited::absent ? missing : found);
+    }
+    if (count > 0 && found >= count) return;
+    if (number > 0 && ::lseek(folder, number + 2, SEEK_SET) < 0) return;
+    forEachEntry(folder, visit);
+}
+
+/// How many descriptors a process has, by its folder of them, `path` below `folder` or "" for that folder itself. The
+/// kernel tells it as the folder's size since Linux 6.2, before that 0.
+std::int64_t descriptorCount(int folder, const char* path)
+{
+    struct stat info {};
+    return ::fstatat(folder, path, &info, AT_EMPTY_PATH) == 0 ? info.st_size : 0;
+}
+
+/// The name of a process as it set it; empty when it has ended.
+std::string comm(int proc, std::int32_t pid)
+{
+    const int file = ::openat(proc, ProcessPath{pid, "/comm"}.text(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) return {};
+    std::array<char, 64> text;
+    const auto length = ::read(file, text.data(), text.size());
+    ::close(file);
+    // The file ends with a line feed; the name may hold others.
+    return length > 1 ? std::string{text.data(), static_cast<std::size_t>(length) - 1} : std::string{};
 }
 
 bool isGroupFolder(const char* path)
@@ -154,14 +198,23 @@ void Owners::find(std::vector<SocketSearch>& searches, double now)
 
 void Owners::lookInKnown(Hunt& hunt)
 {
-    std::vector<std::pair<double, std::int32_t>> candidates;
+    struct Candidate {
+        bool hasChanged = false;
+        double found = 0;
+        std::int32_t pid = 0;
+
+        auto operator<=>(const Candidate&) const = default;
+    };
+    std::vector<Candidate> candidates;
     for (const auto& [pid, known] : known_) {
-        if (hunt.wants(known.cgroup)) candidates.emplace_back(known.found, pid);
+        if (!hunt.wants(known.cgroup)) continue;
+        const auto count = descriptorCount(proc_.descriptor(), ProcessPath{pid, "/fd"}.text());
+        candidates.push_back({count != known.descriptors, known.found, pid});
     }
     std::ranges::sort(candidates, std::ranges::greater{});
-    for (const auto& [found, pid] : candidates) {
+    for (const auto& candidate : candidates) {
         if (hunt.fresh == 0) return;
-        scan(hunt, pid);
+        scan(hunt, candidate.pid);
     }
 }
 
@@ -195,22 +248,24 @@ void Owners::scan(Hunt& hunt, std::int32_t pid)
     if (folder < 0) return;
     std::uint64_t cgroup = 0;
     bool found = false;
-    forEachEntry(folder, [&](const char* name) {
+    const auto count = descriptorCount(folder, "");
+    forEachDescriptor(folder, count, [&](const char* name) {
         std::array<char, 64> target;
         const auto length = ::readlinkat(folder, name, target.data(), target.size());
-        if (length <= 0) return true;
+        if (length <= 0) return Visited::absent;
         const auto inode = socketInode({target.data(), static_cast<std::size_t>(length)});
         auto* search = inode ? hunt.find(*inode) : nullptr;
-        if (!search || search->owner != 0) return true;
+        if (!search || search->owner != 0) return Visited::goOn;
         search->owner = pid;
         cgroup = search->cgroup;
         found = true;
         --hunt.open;
         if (search->isNew) --hunt.fresh;
-        return hunt.open > 0;
+        return hunt.open > 0 ? Visited::goOn : Visited::stop;
     });
     ::close(folder);
     if (found) remember(pid, cgroup, hunt.now);
+    if (const auto known = known_.find(pid); known != known_.end()) known->second.descriptors = count;
 }
 
 void Owners::remember(std::int32_t pid, std::uint64_t cgroup, double now)
@@ -219,14 +274,12 @@ void Owners::remember(std::int32_t pid, std::uint64_t cgroup, double now)
     known.cgroup = cgroup;
     known.found = now;
     struct stat info {};
-    if (::fstatat(proc_.descriptor(), ProcessPath{pid, ""}.text(), &info, 0) == 0) {
-        known.folder = info.st_ino;
-        known.user = info.st_uid;
-    }
-    if (const auto stat = proc_.stat(pid)) {
-        known.startTicks = stat->startTicks;
-        known.name = cleanName(stat->comm, Commas::replaced);
-    }
+    if (::fstatat(proc_.descriptor(), ProcessPath{pid, ""}.text(), &info, 0) != 0) return;
+    if (info.st_ino == known.folder && info.st_uid == known.user) return;
+    known.folder = info.st_ino;
+    known.user = info.st_uid;
+    known.startTicks.reset();
+    known.name = cleanName(comm(proc_.descriptor(), pid), Commas::replaced);
 }
 
 Owners::Presence Owners::presence(std::int32_t pid)
@@ -236,10 +289,15 @@ Owners::Presence Owners::presence(std::int32_t pid)
     auto& known = place->second;
     struct stat info {};
     if (::fstatat(proc_.descriptor(), ProcessPath{pid, ""}.text(), &info, 0) != 0) return Presence::gone;
-    if (info.st_ino == known.folder && info.st_uid == known.user) return Presence::same;
-    // The kernel may have given the folder a new inode, or the process may have changed its user.
+    const bool isSameFolder = info.st_ino == known.folder && info.st_uid == known.user;
+    if (isSameFolder && known.startTicks) return Presence::same;
     const auto stat = proc_.stat(pid);
     if (!stat) return Presence::gone;
+    if (isSameFolder) {
+        known.startTicks = stat->startTicks;
+        return Presence::same;
+    }
+    // The kernel may have given the folder a new inode, or the process may have changed its user.
     if (stat->startTicks != known.startTicks) return Presence::replaced;
     // What has died but isn't reaped has no executable any more.
     const bool hasExecutable = ::faccessat(proc_.descriptor(), ProcessPath{pid, "/exe"}.text(), F_OK, 0) == 0;

@@ -3,6 +3,7 @@
 #include "QuellonProbe/Proc.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -46,9 +47,9 @@ public:
     Owners(const ProcFolder& proc, ControlGroups groups) : proc_{proc}, groups_{std::move(groups)} {}
 
     /// Fills in the owners of `searches`. It looks in processes that were found before with a socket of the same
-    /// control group; then in those of the socket's control group and those that have started since all were looked at;
-    /// then in all, unless that left something unfound a short while ago (8 s, doubling up to 256 s). A search that is
-    /// not new takes part in the last step alone.
+    /// control group, those first that have more or fewer descriptors than then; then in those of the socket's control
+    /// group and those that have started since all were looked at; then in all, unless that left something unfound a
+    /// short while ago (8 s, doubling up to 256 s). A search that is not new takes part in the last step alone.
     void find(std::vector<SocketSearch>& searches, double now);
 
     /// Whether a process that find() has named is still the same one. One that find() never named is gone.
@@ -60,11 +61,12 @@ public:
 
 private:
     struct Known {
-        std::uint64_t startTicks = 0;
-        std::uint64_t folder = 0; ///< inode of the process's folder, cheap proof that it is the same process
-        std::uint32_t user = 0;   ///< owner of that folder, which changes when the process dies unreaped
-        std::uint64_t cgroup = 0; ///< of the newest of its sockets
-        double found = 0;         ///< when a socket of it was found last
+        std::optional<std::uint64_t> startTicks; ///< read when its presence is first asked for
+        std::uint64_t folder = 0;     ///< inode of the process's folder, cheap proof that it is the same process
+        std::uint32_t user = 0;       ///< owner of that folder, which changes when the process dies unreaped
+        std::uint64_t cgroup = 0;     ///< of the newest of its sockets
+        double found = 0;             ///< when a socket of it was found last
+        std::int64_t descriptors = 0; ///< how many it had when they were looked at, 0 where the kernel doesn't say
         std::string name;
     };
     struct Hunt; ///< one run of find()
