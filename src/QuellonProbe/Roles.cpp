@@ -1,6 +1,8 @@
 #include "QuellonProbe/Roles.h"
 
 #include "QuellonProbe/IdentityRole.h"
+#include "QuellonProbe/NetstatRole.h"
+#include "QuellonProbe/NetworksetupRole.h"
 #include "QuellonProbe/RouteRole.h"
 #include "QuellonProbe/Text.h"
 
@@ -12,9 +14,10 @@
 namespace quellon {
 
 const Roles::Role Roles::table[] = {
-    {"nettop", Argument::none, &Roles::nettop},    {"ps", Argument::none, &Roles::ps},
-    {"route", Argument::none, &Roles::route},      {"start", Argument::process, &Roles::start},
-    {"parent", Argument::process, &Roles::parent},
+    {"nettop", Argument::none, &Roles::nettop},        {"ps", Argument::none, &Roles::ps},
+    {"route", Argument::none, &Roles::route},          {"ifconfig", Argument::interface, &Roles::ifconfig},
+    {"netstat", Argument::interface, &Roles::netstat}, {"networksetup", Argument::none, &Roles::networksetup},
+    {"start", Argument::process, &Roles::start},       {"parent", Argument::process, &Roles::parent},
 };
 
 Roles::Roles() : connections_{proc_}, processes_{proc_} {}
@@ -68,6 +71,24 @@ Roles::Answer Roles::route(std::string_view)
 {
     auto* tables = network();
     return tables ? RouteRole::answer(*tables) : std::nullopt;
+}
+
+Roles::Answer Roles::ifconfig(std::string_view interface)
+{
+    auto* tables = network();
+    return tables ? IfconfigRole{*tables, devices_, manager_}.answer(interface) : std::nullopt;
+}
+
+Roles::Answer Roles::netstat(std::string_view interface)
+{
+    auto* tables = network();
+    return tables ? NetstatRole::answer(*tables, interface) : std::nullopt;
+}
+
+Roles::Answer Roles::networksetup(std::string_view)
+{
+    auto* tables = network();
+    return tables ? NetworksetupRole::answer(*tables, devices_) : std::nullopt;
 }
 
 Roles::Answer Roles::start(std::string_view process)

@@ -1,7 +1,11 @@
 #pragma once
 
 #include "QuellonProbe/ConnectionWatch.h"
+#include "QuellonProbe/IfconfigRole.h"
 #include "QuellonProbe/KernelNetwork.h"
+#include "QuellonProbe/LinkKind.h"
+#include "QuellonProbe/MessageBus.h"
+#include "QuellonProbe/NetworkManager.h"
 #include "QuellonProbe/Proc.h"
 #include "QuellonProbe/PsRole.h"
 #include "QuellonProbe/Server.h"
@@ -39,13 +43,19 @@ private:
     Answer nettop(std::string_view);
     Answer ps(std::string_view);
     Answer route(std::string_view);
+    Answer ifconfig(std::string_view interface);
+    Answer netstat(std::string_view interface);
+    Answer networksetup(std::string_view);
     Answer start(std::string_view process);
     Answer parent(std::string_view process);
 
     ProcFolder proc_;
     ConnectionWatch connections_;
     PsRole processes_;
-    std::optional<KernelNetwork> network_;
+    std::optional<KernelNetwork> network_; ///< opened when first needed
+    DeviceFolder devices_;
+    MessageBus bus_{MessageBus::systemAddress()};
+    NetworkManager manager_{bus_};
 };
 
 } // namespace quellon
