@@ -47,7 +47,7 @@ void ConnectionList::remember(const Connection& connection)
 {
     const auto in = connection.answeredIn - connection.passedIn;
     const auto out = connection.answeredOut - connection.passedOut;
-    if (connection.owner == 0 || (in == 0 && out == 0)) return;
+    if (in == 0 && out == 0) return;
     const Label label{connection.owner, connection.socket.ends};
     auto place = remembered_.find(label);
     if (place == remembered_.end()) {

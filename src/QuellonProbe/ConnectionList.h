@@ -49,7 +49,7 @@ public:
     static constexpr std::size_t mostClosed = 8192;
     /// Labels whose counters are remembered after their connection, and for how many seconds since they were listed
     /// last. The reader takes a label that was away for 120 s for a new one, so this must be less.
-    static constexpr std::size_t mostRemembered = 2048;
+    static constexpr std::size_t mostRemembered = 4096;
     static constexpr double memory = 115;
 
     /// A dump has shown this socket. `interface` 0 means unknown and changes nothing that was known before.
