@@ -8,7 +8,7 @@
 namespace quellon {
 namespace {
 
-constexpr std::size_t initialBuffer = 32 * 1024; ///< the largest datagram the kernel fills in a dump of small records
+constexpr std::size_t initialBuffer = 32'768; ///< the largest datagram the kernel fills in a dump of small records
 constexpr int dumpTries = 4;
 constexpr int requestTries = 2;
 

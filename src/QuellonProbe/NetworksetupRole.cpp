@@ -16,6 +16,7 @@ std::optional<std::string> NetworksetupRole::answer(KernelNetwork& network, cons
         return std::nullopt;
     }
     std::vector<Port> ports;
+    ports.reserve(links.size());
     for (const auto& link : links) {
         ports.push_back({linkKind(link, devices.facts(link)), link.name, link.hardwareAddress});
     }

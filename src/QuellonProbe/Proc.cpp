@@ -17,8 +17,8 @@ namespace quellon {
 namespace {
 
 constexpr std::uint64_t kernelThreadFlag = 0x00200000; ///< PF_KTHREAD of the kernel's process flags
-constexpr std::size_t listBuffer = 32 * 1024;
-constexpr std::size_t fileLimit = 64 * 1024;
+constexpr std::size_t listBuffer = 32'768;
+constexpr std::size_t fileLimit = 65'536;
 
 /// "PID/name" without an allocation, since it is made several times per process.
 class ProcessPath {
