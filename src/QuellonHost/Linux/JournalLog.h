@@ -2,6 +2,10 @@
 
 #include "QuellonCore/Host/LogSink.h"
 
+#include <array>
+#include <string>
+#include <string_view>
+
 namespace quellon {
 
 /// Writes to the systemd journal, as identifier "quellon", with the category in the field QUELLON_CATEGORY. Without a
@@ -9,6 +13,10 @@ namespace quellon {
 class JournalLog final : public LogSink {
 public:
     void write(std::string_view category, LogLevel level, std::string_view message) override;
+
+    /// The fields of one line, each as NAME=value.
+    [[nodiscard]] static std::array<std::string, 4> fields(std::string_view category, LogLevel level,
+                                                           std::string_view message);
 };
 
 } // namespace quellon

@@ -1,0 +1,124 @@
+#include "QuellonHost/Linux/LinuxHost.h"
+#include "QuellonHost/Support/TemporaryFolder.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace quellon {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(LinuxProcessControl, processName)
+{
+    EXPECT_EQ(LinuxProcessControl::processName("/usr/bin/Quellon"), "Quellon");
+    EXPECT_EQ(LinuxProcessControl::processName("/usr/bin/Quellon (deleted)"), "Quellon");
+    EXPECT_EQ(LinuxProcessControl::processName("/a/b (deleted)/c"), "c");
+    EXPECT_EQ(LinuxProcessControl::processName(""), "");
+    EXPECT_EQ(LinuxProcessControl{}.processName(), std::filesystem::read_symlink("/proc/self/exe").filename());
+}
+
+TEST(LinuxProcessControl, metricsFromTheTexts)
+{
+    constexpr std::string_view status = "Name:\tVmRSS: 9 kB\nVmRSSX:\t1 kB\nVmRSS:\t   51200 kB\nThreads:\t7\n";
+    constexpr std::string_view rollup = "00400000-7ffe rollup\nRss: 51200 kB\nPrivate_Clean:  100 kB\n"
+                                        "Private_Dirty: 20000 kB\nSwap: 400 kB\nSwapPss: 9 kB\n";
+    struct Case {
+        const char* name;
+        std::string_view status;
+        std::string_view rollup;
+        std::optional<ProcessMetrics> metrics;
+    };
+    const Case cases[] = {
+        {"both", status, rollup, ProcessMetrics{52'428'800, 20'992'000, 7}},
+        {"no rollup", status, "", ProcessMetrics{52'428'800, 52'428'800, 7}},
+        {"no threads", "VmRSS: 1 kB", "", ProcessMetrics{1024, 1024, 0}},
+        {"no memory", "Threads: 7\n", rollup, std::nullopt},
+        {"no number", "VmRSS: kB\n", rollup, std::nullopt},
+        {"beyond all numbers", "VmRSS: 99999999999999999999 kB\n", rollup, std::nullopt},
+        {"nothing", "", "", std::nullopt},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(LinuxProcessControl::metrics(c.status, c.rollup), c.metrics);
+    }
+}
+
+TEST(LinuxProcessControl, metricsSeeMemoryAndThreads)
+{
+    const LinuxProcessControl control;
+    const auto before = control.metrics();
+    ASSERT_TRUE(before.has_value());
+    constexpr std::size_t size = std::size_t{32} << 20U;
+    const std::vector<char> ballast(size, 'x');
+    ProcessMetrics during;
+    std::thread{[&] { during = control.metrics().value(); }}.join();
+    EXPECT_EQ(ballast[size - 1], 'x');
+    EXPECT_GE(during.residentBytes, before->residentBytes + size * 9 / 10);
+    EXPECT_GE(during.footprintBytes, before->footprintBytes + size * 9 / 10);
+    EXPECT_EQ(during.threadCount, before->threadCount + 1);
+}
+
+TEST(JournalLog, fields)
+{
+    EXPECT_THAT(JournalLog::fields("shell", LogLevel::error, "two\nlines"),
+                ::testing::ElementsAre("SYSLOG_IDENTIFIER=quellon", "PRIORITY=3", "QUELLON_CATEGORY=shell",
+                                       "MESSAGE=two\nlines"));
+    EXPECT_THAT(
+        JournalLog::fields("sampling", LogLevel::info, "%s"),
+        ::testing::ElementsAre("SYSLOG_IDENTIFIER=quellon", "PRIORITY=6", "QUELLON_CATEGORY=sampling", "MESSAGE=%s"));
+}
+
+TEST(LinuxHost, findsTheProbe)
+{
+    const testing::TemporaryFolder root;
+    const auto bin = root / "bin";
+    const auto lib = root / "lib/quellon";
+    const auto libexec = root / "libexec/quellon";
+    for (const auto& folder : {bin, lib, libexec}) std::filesystem::create_directories(folder);
+    EXPECT_EQ(LinuxHost::findProbe(bin), bin / "quellon-probe") << "in none of them";
+    (void)root.script("lib/quellon/quellon-probe", "");
+    EXPECT_EQ(LinuxHost::findProbe(bin), lib / "quellon-probe");
+    (void)root.script("libexec/quellon/quellon-probe", "");
+    EXPECT_EQ(LinuxHost::findProbe(bin), libexec / "quellon-probe");
+    std::ofstream{bin / "quellon-probe"} << "can't be run";
+    EXPECT_EQ(LinuxHost::findProbe(bin), libexec / "quellon-probe");
+    (void)root.script("bin/quellon-probe", "");
+    EXPECT_EQ(LinuxHost::findProbe(bin), bin / "quellon-probe");
+}
+
+TEST(LinuxHost, endsAtOnceThoughAToolRuns)
+{
+    const testing::TemporaryFolder folder;
+    const auto probe = folder.script("quellon-probe", "#!/bin/sh\nread -r line; echo > \"$0.asked\"; kill -STOP $$\n");
+    bool done = false;
+    const auto begin = std::chrono::steady_clock::now();
+    {
+        LinuxHost system{probe};
+        const Host host = system.host();
+        for (int i = 0; i < 3; ++i) {
+            host.runLoop.background(
+                [host] {
+                    (void)host.commands.run(host.platform.tool(ToolRole::nettop), 1000s);
+                    (void)host.commands.run({"/bin/sh", {"-c", "exec sleep 1000"}}, 1000s);
+                },
+                [&] { done = true; });
+        }
+        const auto timer = host.runLoop.every(1ms, [&] {
+            if (std::filesystem::exists(probe.string() + ".asked")) system.runLoop().quit();
+        });
+        system.runLoop().run();
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 20s);
+    EXPECT_FALSE(done);
+}
+
+} // namespace
+} // namespace quellon
