@@ -6,7 +6,6 @@
 #include <array>
 #include <chrono>
 #include <cmath>
-#include <poll.h>
 #include <unistd.h>
 #include <utility>
 
@@ -83,9 +82,9 @@ RunLoop::Handle PosixRunLoop::onSignal(Signal signal, Work work)
 void PosixRunLoop::run()
 {
     while (!quit_) {
-        pollfd waited{descriptor(), POLLIN, 0};
-        (void)poll(&waited, 1, pollMilliseconds(nextDeadline()));
+        watches_.wait(descriptor(), pollMilliseconds(nextDeadline()));
         turn();
+        while (!quit_ && watches_.runNext()) {}
     }
 }
 

@@ -3,12 +3,14 @@
 #include "QuellonCore/Host/RunLoop.h"
 #include "QuellonCore/Host/Schedule.h"
 #include "QuellonHost/Posix/Descriptor.h"
+#include "QuellonHost/Posix/DescriptorWatches.h"
 #include "QuellonHost/Posix/SignalRelay.h"
 #include "QuellonHost/Posix/WorkerPool.h"
 
 #include <atomic>
 #include <functional>
 #include <optional>
+#include <utility>
 
 namespace quellon {
 
@@ -31,6 +33,11 @@ public:
     void background(Work work, Work done) override;
     [[nodiscard]] Handle onSignal(Signal signal, Work work) override;
 
+    /// Runs `ready`, again and again, while the descriptor can be read or its other end is gone, until the handle is
+    /// destroyed or the loop ends. Main thread only, and only for a loop that is `run`: another loop watches
+    /// descriptors itself.
+    [[nodiscard]] Handle watch(int descriptor, Work ready) { return watches_.add(descriptor, std::move(ready)); }
+
     /// Runs what becomes due, sleeping in between, until `quit`. Returns at once when `quit` came before.
     void run();
     /// Makes `run` return after the work that is running. Any thread.
@@ -48,6 +55,7 @@ private:
     std::atomic<bool> woken_{false}; ///< A byte is in the pipe, or about to be.
     std::atomic<bool> quit_{false};
     Schedule schedule_;
+    DescriptorWatches watches_;
     SignalRelay signals_;
     WorkerPool workers_; ///< Last, so that no background thread outlives what it posts to.
 
