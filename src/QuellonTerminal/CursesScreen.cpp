@@ -1,5 +1,7 @@
 #include "QuellonTerminal/CursesScreen.h"
 
+#include "QuellonCore/Support/Fatal.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -88,6 +90,7 @@ std::unique_ptr<CursesScreen> CursesScreen::open(bool colours)
             init_pair(static_cast<short>(i + 1), look(static_cast<Style>(i)).colour, ownColour);
         }
     }
+    setFatalCleanup([] { endwin(); });
     return std::unique_ptr<CursesScreen>{new CursesScreen{std::move(curses)}};
 }
 
@@ -95,6 +98,7 @@ CursesScreen::CursesScreen(std::unique_ptr<Curses> curses) : curses_(std::move(c
 
 CursesScreen::~CursesScreen()
 {
+    setFatalCleanup(nullptr);
     endwin();
     delscreen(curses_->screen);
 }

@@ -1,0 +1,19 @@
+#include "Quellon/AppDelegate.h"
+
+namespace quellon {
+
+std::function<void()> AppDelegate::cleanup;
+std::shared_ptr<TerminationGuard> AppDelegate::terminationGuard;
+
+void AppDelegate::applicationDidFinishLaunching(const Host& host)
+{
+    terminationGuard = TerminationGuard::make(host.runLoop, host.processes, &AppDelegate::applicationWillTerminate);
+    terminationGuard->install();
+}
+
+void AppDelegate::applicationWillTerminate()
+{
+    if (cleanup) cleanup();
+}
+
+} // namespace quellon

@@ -1,0 +1,126 @@
+#include "Quellon/ProgramOptions.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace quellon {
+
+namespace CommandLine {
+
+namespace {
+
+constexpr std::string_view durationOption = "--duration";
+constexpr std::string_view durationHint = "--duration takes a positive number of seconds, such as 5 or 2.5";
+
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+/// Takes over the value of "--duration".
+std::optional<std::string> setDuration(ProgramOptions& options, std::string_view value)
+{
+    options.duration = parseDuration(value);
+    if (!options.duration) return fmt::format("{}, not \"{}\"", durationHint, value);
+    return std::nullopt;
+}
+
+std::optional<std::string> setView(ProgramOptions& options, ProgramOptions::View view)
+{
+    if (options.view != ProgramOptions::View::automatic && options.view != view) {
+        return "--terminal and --plain exclude each other";
+    }
+    options.view = view;
+    return std::nullopt;
+}
+
+/// Takes over the option at the front of `rest`, and its value.
+std::optional<std::string> takeOption(ProgramOptions& options, std::span<const std::string_view>& rest)
+{
+    const std::string_view option = rest.front();
+    rest = rest.subspan(1);
+    if (option == "--help" || option == "-h") {
+        options.help = true;
+    } else if (option == "--version") {
+        options.version = true;
+    } else if (option == "--terminal") {
+        return setView(options, ProgramOptions::View::terminal);
+    } else if (option == "--plain") {
+        return setView(options, ProgramOptions::View::plain);
+    } else if (option == durationOption) {
+        if (rest.empty()) return std::string{durationHint};
+        const std::string_view value = rest.front();
+        rest = rest.subspan(1);
+        return setDuration(options, value);
+    } else if (option.starts_with(durationOption) && option.substr(durationOption.size()).starts_with('=')) {
+        return setDuration(options, option.substr(durationOption.size() + 1));
+    } else if (option.starts_with('-')) {
+        return fmt::format("unknown option \"{}\"", option);
+    } else {
+        return fmt::format("unexpected argument \"{}\"", option);
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+Result parse(std::span<const std::string_view> arguments)
+{
+    Result result;
+    while (!arguments.empty() && !result.error) result.error = takeOption(result.options, arguments);
+    return result;
+}
+
+std::optional<Seconds> parseDuration(std::string_view text)
+{
+    constexpr double longest = 1e9;
+    const auto point = text.find('.');
+    const std::string_view whole = text.substr(0, point);
+    const std::string_view fraction = point == std::string_view::npos ? "0" : text.substr(point + 1);
+    for (const std::string_view digits : {whole, fraction}) {
+        if (digits.empty() || !std::all_of(digits.begin(), digits.end(), isDigit)) return std::nullopt;
+    }
+    double value = 0.0;
+    for (const char digit : whole) value = value * 10.0 + (digit - '0');
+    double unit = 1.0;
+    for (const char digit : fraction) value += (unit /= 10.0) * (digit - '0');
+    if (value <= 0.0 || value > longest) return std::nullopt;
+    return Seconds{value};
+}
+
+std::string_view help()
+{
+    return "Usage: Quellon [OPTION]...\n"
+           "Watches which applications use a metered connection, such as a phone's hotspot.\n"
+           "\n"
+           "Without options it opens its window where there is a display, and the terminal view otherwise.\n"
+           "\n"
+           "  --terminal          the terminal view; q, Ctrl-C or SIGTERM ends it\n"
+           "  --plain             lines: the activity as it comes, and a table after each sample;\n"
+           "                      also what --terminal does when standard output is no terminal\n"
+           "  --duration SECONDS  end after this time, such as 5 or 2.5\n"
+           "  -h, --help          print this and end\n"
+           "  --version           print the version and end\n"
+           "\n"
+           "NO_COLOR, when set, keeps the terminal view free of colours.\n"
+           "\n"
+           "Exit status: 0 after a normal end, SIGTERM and Ctrl-C included, and when the reader of the lines is gone;\n"
+           "1 when standard output can't be written; 2 for a mistake in the options; 70 after an internal error.\n";
+}
+
+std::string_view version()
+{
+    return "Quellon " QUELLON_VERSION "\n";
+}
+
+} // namespace CommandLine
+
+ChosenView chooseView(ProgramOptions::View asked, const Surroundings& surroundings)
+{
+    if (asked == ProgramOptions::View::automatic && surroundings.desktop) return ChosenView::desktop;
+    if (asked == ProgramOptions::View::plain || !surroundings.terminal) return ChosenView::plain;
+    return ChosenView::terminal;
+}
+
+} // namespace quellon

@@ -1,0 +1,68 @@
+#include "Quellon/QuellonApp.h"
+
+#include "Quellon/AppDelegate.h"
+#include "QuellonHost/Posix/TimeZone.h"
+#include "QuellonTerminal/PlainView.h"
+#include "QuellonTerminal/TerminalView.h"
+
+#include <cstdio>
+#include <memory>
+#include <unistd.h>
+#include <utility>
+
+namespace quellon {
+
+namespace {
+
+/// By the convention of no-color.org: set, and not empty.
+bool wantsColours(const ProcessControl& processes)
+{
+    return processes.environment("NO_COLOR").value_or("").empty();
+}
+
+} // namespace
+
+QuellonApp::QuellonApp() : calendar_(TimeZone::current(host_.host().processes)), engine_(host_.host()) {}
+
+int QuellonApp::runTerminal(const ProgramOptions& options)
+{
+    const TerminalView::Options viewOptions{.colours = wantsColours(host_.host().processes),
+                                            .keys = isatty(STDIN_FILENO) == 1};
+    auto view = TerminalView::open(
+        engine_, calendar_, viewOptions,
+        [this](int descriptor, RunLoop::Work ready) { return runLoop().watch(descriptor, std::move(ready)); },
+        [this] { runLoop().quit(); });
+    if (!view) {
+        std::fputs("Quellon: this terminal can't be drawn on (see TERM); printing lines instead.\n", stderr);
+        return runPlain(options);
+    }
+    run(options, [&view] { view.reset(); });
+    return ExitStatus::success;
+}
+
+int QuellonApp::runPlain(const ProgramOptions& options)
+{
+    int status = ExitStatus::success;
+    const PlainView view{engine_, calendar_, STDOUT_FILENO, [this, &status](PlainView::End end) {
+                             if (end == PlainView::End::failed) {
+                                 std::fputs("Quellon: standard output can't be written.\n", stderr);
+                                 status = ExitStatus::outputFailed;
+                             }
+                             runLoop().quit();
+                         }};
+    run(options, {});
+    return status;
+}
+
+void QuellonApp::run(const ProgramOptions& options, std::function<void()> cleanup)
+{
+    AppDelegate::cleanup = std::move(cleanup);
+    AppDelegate::applicationDidFinishLaunching(host_.host());
+    RunLoop::Handle end;
+    if (options.duration) end = runLoop().after(*options.duration, [this] { runLoop().quit(); });
+    runLoop().run();
+    AppDelegate::applicationWillTerminate();
+    AppDelegate::cleanup = nullptr;
+}
+
+} // namespace quellon

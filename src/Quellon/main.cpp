@@ -1,0 +1,54 @@
+#include "Quellon/DesktopProgram.h"
+#include "Quellon/ProgramOptions.h"
+#include "Quellon/QuellonApp.h"
+#include "QuellonCore/Support/Fatal.h"
+#include "QuellonTerminal/Utf8Locale.h"
+
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <string_view>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+using namespace quellon;
+
+/// Prints one of the answers about the program itself.
+int print(std::string_view text)
+{
+    const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
+    return written ? ExitStatus::success : ExitStatus::outputFailed;
+}
+
+int refuse(const std::string& error)
+{
+    std::fprintf(stderr, "Quellon: %s\nTry \"Quellon --help\".\n", error.c_str());
+    return ExitStatus::usage;
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments)
+{
+    std::set_terminate([] { fatal("an error that nobody expected"); });
+    std::signal(SIGPIPE, SIG_IGN); // a reader that is gone is an error of the write
+    useUtf8Locale();
+    const std::vector<std::string_view> words(arguments + (argumentCount > 0 ? 1 : 0), arguments + argumentCount);
+    const auto [options, error] = CommandLine::parse(words);
+    if (error) return refuse(*error);
+    if (options.help) return print(CommandLine::help());
+    if (options.version) return print(CommandLine::version());
+
+    const Surroundings surroundings{.desktop = DesktopProgram::isAvailable(), .terminal = isatty(STDOUT_FILENO) == 1};
+    switch (chooseView(options.view, surroundings)) {
+    case ChosenView::desktop:
+        return DesktopProgram::run(arguments, options);
+    case ChosenView::terminal:
+        return QuellonApp{}.runTerminal(options);
+    case ChosenView::plain:
+        break;
+    }
+    return QuellonApp{}.runPlain(options);
+}
