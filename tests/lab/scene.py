@@ -10,6 +10,7 @@ import contextlib
 import fcntl
 import json
 import os
+import shutil
 import signal
 import struct
 import subprocess
@@ -60,9 +61,34 @@ def usage() -> dict:
     return sums
 
 
-def fetch(size: int, rate: str = ""):
-    """A download by curl, to its end."""
-    subprocess.run(["curl", "-sf", "-o", "/dev/null", f"http://{INTERNET}/bytes/{size}{rate}"], check=True)
+def program(name: str) -> str:
+    """A downloading program of this name: a copy of curl."""
+    path = os.path.join(os.environ["HOME"], name)
+    if not os.path.exists(path):
+        shutil.copy(shutil.which("curl"), path)
+    return path
+
+
+def url(size: int, rate: int, host: str = INTERNET) -> str:
+    return f"http://{host}/bytes/{size}/{rate}"
+
+
+@contextlib.contextmanager
+def downloading(command: list):
+    """A program that downloads while the body runs, and may go on until its end."""
+    process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.DEVNULL)
+    try:
+        yield process
+    finally:
+        process.kill()
+        process.wait()
+        process.stdin.close()
+
+
+def curl(size: int, rate: int):
+    """curl with a download, after which it stays, on the same connection, for next to nothing."""
+    return downloading([program("curl"), "-sf", "-o", "/dev/null", url(size, rate),
+                        "-o", "/dev/null", url(1_000_000, 100)])
 
 
 @contextlib.contextmanager
@@ -121,17 +147,25 @@ def unread(process: int) -> int:
 
 # --- scenes ----------------------------------------------------------------------------------------------------------
 
+PYTHON = """
+import sys, urllib.request
+urllib.request.urlopen(sys.argv[1]).read()
+sys.stdin.read()
+"""
+
+
 def download(folder: str) -> dict:
-    """100 MB by curl over one connection, 10 MB by python3, and 10 MB from the phone itself."""
-    python = f"import urllib.request; print(len(urllib.request.urlopen('http://{INTERNET}/bytes/10000000').read()))"
+    """All at the same time, each longer than a sample: 100 MB by curl, 10 MB by python3, 20 MB by a program that ends
+    after it, and 10 MB that come from the phone itself.
+    """
+    python = [sys.executable, "-c", PYTHON, url(10_000_000, 1_250_000)]
+    # The shell sees to it that nothing is left of the program once it has ended.
+    brief = ["bash", "-c", f"{program('brief')} -sf -o /dev/null {url(20_000_000, 2_500_000)}; read -r"]
+    local = [program("local"), "-sf", "-o", "/dev/null", url(10_000_000, 1_250_000, os.environ["LAB_GATEWAY"])]
     with guard(folder):
         baseline()
-        fetch(100_000_000, "/25000000")
-        subprocess.run([sys.executable, "-c", python], check=True, stdout=subprocess.DEVNULL)
-        subprocess.run(["cp", "/usr/bin/curl", os.path.expanduser("~/phone-page")], check=True)
-        subprocess.run([os.path.expanduser("~/phone-page"), "-sf", "-o", "/dev/null",
-                        f"http://{os.environ['LAB_GATEWAY']}/bytes/10000000"], check=True)
-        second_save()
+        with curl(100_000_000, 12_500_000), downloading(python), downloading(brief), downloading(local):
+            second_save()
         return {"usage": usage(), "output": guard_output(), "python": os.path.basename(os.path.realpath(sys.executable))}
 
 
@@ -139,15 +173,15 @@ def probe_killed(folder: str) -> dict:
     """The helper dies with a request on its table, then between two; downloads go on."""
     with guard(folder) as process:
         baseline()
-        first = wait_until(lambda: probe_of(process), "the helper")
-        os.kill(first, signal.SIGSTOP)
-        wait_until(lambda: unread(first) > 0, "a request to the stopped helper")
-        os.kill(first, signal.SIGKILL)
-        second = wait_until(lambda: probe_of(process, first), "a new helper")
-        os.kill(second, signal.SIGKILL)
-        third = wait_until(lambda: probe_of(process, second), "another helper")
-        fetch(20_000_000, "/4000000")
-        second_save()
+        with curl(20_000_000, 2_000_000):
+            first = wait_until(lambda: probe_of(process), "the helper")
+            os.kill(first, signal.SIGSTOP)
+            wait_until(lambda: unread(first) > 0, "a request to the stopped helper")
+            os.kill(first, signal.SIGKILL)
+            second = wait_until(lambda: probe_of(process, first), "a new helper")
+            os.kill(second, signal.SIGKILL)
+            third = wait_until(lambda: probe_of(process, second), "another helper")
+            second_save()
         return {"helpers": [first, second, third], "usage": usage(), "at": [bucket["at"] for bucket in buckets()],
                 "output": guard_output()}
 
@@ -155,13 +189,12 @@ def probe_killed(folder: str) -> dict:
 def state_lost(folder: str) -> dict:
     """The state folder can't be written to; later it can."""
     os.chmod(STATE, 0o500)
-    with guard(folder):
-        fetch(30_000_000, "/3000000")
+    with guard(folder), curl(10_000_000, 2_000_000):
         wait_until(lambda: "curl" in guard_output(), "curl in what the guard prints")
         files = os.listdir(STATE)
         os.chmod(STATE, 0o700)
         second_save()
-        return {"files": files, "usage": usage(), "output": guard_output()}
+        return {"files": files, "usage": usage()}
 
 
 def disk_full(folder: str) -> dict:
@@ -170,14 +203,13 @@ def disk_full(folder: str) -> dict:
     with contextlib.suppress(OSError), open(filler, "wb", buffering=0) as file:
         while file.write(bytes(65536)):
             pass
-    with guard(folder):
-        fetch(30_000_000, "/3000000")
+    with guard(folder), curl(10_000_000, 2_000_000):
         wait_until(lambda: "curl" in guard_output(), "curl in what the guard prints")
         free = os.statvfs(STATE).f_bavail
         has_ledger = os.path.exists(LEDGER) and os.path.getsize(LEDGER) > 0
         os.remove(filler)
         second_save()
-        return {"free": free, "hasLedger": has_ledger, "usage": usage(), "output": guard_output()}
+        return {"free": free, "hasLedger": has_ledger, "usage": usage()}
 
 
 CONNECTIONS = """
