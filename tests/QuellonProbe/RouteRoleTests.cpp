@@ -69,6 +69,7 @@ TEST(RouteRole, followsTheKernelsChoice)
         {"IPv4 by way of an IPv6 gateway",
          {"route add default via inet6 fe80::1 dev wlan0"},
          head + "    gateway: fe80::1%wlan0\n  interface: wlan0\n"},
+        {"the address is this machine's own", {"link set lo up", "addr add 1.1.1.1/32 dev lo"}, ""},
         {"unreachable", {"route add unreachable default", "-6 route add unreachable default"}, ""},
         {"blackhole", {"route add blackhole default"}, ""},
         {"prohibited", {"route add prohibit default"}, ""},
