@@ -32,7 +32,7 @@ def run_check(script: str, files: dict):
             full = os.path.join(root, path)
             os.makedirs(os.path.dirname(full), exist_ok=True)
             with open(full, "w", encoding="utf-8") as file:
-                file.write(text)
+                file.write(text.replace("ROOT", os.path.realpath(root)))
         done = subprocess.run([sys.executable, os.path.join(HERE, script), root], capture_output=True, text=True,
                               check=False)
         return done.returncode, done.stdout + done.stderr
@@ -91,8 +91,8 @@ class OwnWords(unittest.TestCase):
     def test_planted(self):
         cases = (
             ("folder of a build machine", "/wo" "rk/main/src"),
-            ("root's folder", "see /ro" "ot/.cache"),
-            ("somebody's folder", "/ho" "me/anna/x"),
+            ("root's own files", "see /ro" "ot/.cache/x"),
+            ("the project's own folder", "cd ROOT && make"),
             ("work for later", "// TO" "DO: think"),
             ("numbered part", "as Pa" "rt 2.2 says"),
             ("foreign document", "the spec" "ification wants it so"),
