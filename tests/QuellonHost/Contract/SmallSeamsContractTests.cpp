@@ -39,7 +39,6 @@ TYPED_TEST(SmallSeamsContract, theClockTellsADateOfOurTime)
     using namespace std::chrono;
     constexpr Date before{sys_days{2025y / 1 / 1}.time_since_epoch() - referenceDateSince1970};
     EXPECT_GT(this->host.clock.now(), before);
-    EXPECT_LE(this->host.clock.now(), this->host.clock.now());
 }
 
 TYPED_TEST(SmallSeamsContract, identifiersAreVersionFourAndNeverRepeat)

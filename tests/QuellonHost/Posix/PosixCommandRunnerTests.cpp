@@ -16,7 +16,9 @@
 #include <sstream>
 #include <string>
 #include <sys/wait.h>
+#include <system_error>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace quellon {
@@ -53,10 +55,10 @@ protected:
     {
         return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator{"/proc/self/fd"}, {}));
     }
-    /// The standard descriptors, and those that whoever started the tests left open.
+    /// What a child gets: the two that it always has, and those that whoever started the tests left open.
     static std::set<int> inheritableDescriptors()
     {
-        std::set<int> result{0, 1, 2};
+        std::set<int> result{STDOUT_FILENO, STDERR_FILENO};
         for (const auto& entry : std::filesystem::directory_iterator{"/proc/self/fd"}) {
             const int number = std::stoi(entry.path().filename().string());
             const int flags = fcntl(number, F_GETFD);
@@ -124,9 +126,13 @@ TEST_F(PosixCommandRunnerTest, whatCannotBeStarted)
 
 TEST_F(PosixCommandRunnerTest, sleepsPastItsBudget)
 {
-    EXPECT_EQ(shell("printf partial; exec sleep 1000", 150ms), (CommandResult{Outcome::timedOut, ""}));
-    EXPECT_GE(elapsed, 150ms);
-    EXPECT_LT(elapsed, 900ms) << "the end of file came with the child's death";
+    bool endedWithTheChild = false; // a busy machine may need more than one try
+    for (int tries = 0; tries < 5 && !endedWithTheChild; ++tries) {
+        EXPECT_EQ(shell("printf partial; exec sleep 1000", 150ms), (CommandResult{Outcome::timedOut, ""}));
+        EXPECT_GE(elapsed, 150ms);
+        endedWithTheChild = elapsed < 1s;
+    }
+    EXPECT_TRUE(endedWithTheChild) << "the end of file comes with the child's death, not a second later";
     EXPECT_TRUE(hasNoChildren());
 }
 
@@ -185,8 +191,9 @@ TEST_F(PosixCommandRunnerTest, inheritsInputEnvironmentAndFolder)
     EXPECT_EQ(shell("printf %s \"$QUELLON_TEST_VARIABLE\"", 20s).output, "a value");
     unsetenv("QUELLON_TEST_VARIABLE");
     EXPECT_EQ(shell("pwd -P", 20s).output, std::filesystem::current_path().string() + "\n");
-    const auto input = std::filesystem::read_symlink("/proc/self/fd/0");
-    EXPECT_EQ(run({"/bin/readlink", {"/proc/self/fd/0"}}, 20s).output, input.string() + "\n");
+    std::error_code closed;
+    const auto input = std::filesystem::read_symlink("/proc/self/fd/0", closed);
+    EXPECT_EQ(run({"/bin/readlink", {"/proc/self/fd/0"}}, 20s).output, closed ? "" : input.string() + "\n");
 }
 
 TEST_F(PosixCommandRunnerTest, argumentsArriveAsTheyAre)
