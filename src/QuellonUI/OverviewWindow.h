@@ -1,0 +1,58 @@
+#pragma once
+
+#include "QuellonCore/Presentation/OverviewModel.h"
+#include "QuellonUI/Card.h"
+#include "QuellonUI/RowDelegates.h"
+#include "QuellonUI/StatusDot.h"
+#include "QuellonUI/TextLabel.h"
+
+#include <QListView>
+#include <QWidget>
+
+class QVBoxLayout;
+
+namespace quellon {
+
+/// The program's window: draws an overview. Knows no engine and no clock. Closing it (Ctrl+Q or Ctrl+W, too) is up to
+/// the toolkit, which ends the program with its last window.
+class OverviewWindow final : public QWidget {
+    Q_OBJECT
+public:
+    OverviewWindow();
+
+    /// Shows this overview; returns at once when it is the one that is shown.
+    void setModel(const OverviewModel& model);
+
+protected:
+    bool event(QEvent* event) override;
+
+private:
+    OverviewModel model_;
+    UsageListModel usageValues_;
+    ActivityListModel activityValues_;
+
+    StatusDot* dot_;
+    TextLabel* title_;
+    TextLabel* detail_;
+    Card* counterCard_;
+    TextLabel* interface_;
+    TextLabel* counters_;
+    QLabel* warning_;
+    QLabel* hint_;
+    TextLabel* usageHeading_;
+    TextLabel* windowHeading_;
+    QLabel* empty_;
+    QListView* usage_;
+    UsageDelegate* usageDelegate_;
+    TextLabel* activityHeading_;
+    QListView* activity_;
+    ActivityDelegate* activityDelegate_;
+
+    void arrange();
+    void arrangeHead(QVBoxLayout& layout);
+    void arrangeLists(QVBoxLayout& layout);
+    void showTexts();
+    void applyTheme();
+};
+
+} // namespace quellon
