@@ -98,14 +98,6 @@ void forEachDescriptor(int folder, std::int64_t count, Visit visit)
     forEachEntry(folder, visit);
 }
 
-/// How many descriptors a process has, by its folder of them, `path` below `folder` or "" for that folder itself. The
-/// kernel tells it as the folder's size since Linux 6.2, before that 0.
-std::int64_t descriptorCount(int folder, const char* path)
-{
-    struct stat info {};
-    return ::fstatat(folder, path, &info, AT_EMPTY_PATH) == 0 ? info.st_size : 0;
-}
-
 /// The name of a process as it set it; empty when it has ended.
 std::string comm(int proc, std::int32_t pid)
 {
@@ -151,6 +143,21 @@ std::uint64_t ControlGroups::of(std::int32_t pid)
     if (::stat((root_ + below).c_str(), &info) != 0) return 0;
     if (ids_.size() >= mostGroups) ids_.clear();
     return ids_[below] = info.st_ino;
+}
+
+namespace {
+
+bool isProcFolder(int folder)
+{
+    struct statfs info {};
+    return ::fstatfs(folder, &info) == 0 && info.f_type == PROC_SUPER_MAGIC;
+}
+
+} // namespace
+
+Owners::Owners(const ProcFolder& proc, ControlGroups groups)
+    : proc_{proc}, groups_{std::move(groups)}, isKernels_{isProcFolder(proc.descriptor())}
+{
 }
 
 struct Owners::Hunt {
@@ -266,6 +273,14 @@ void Owners::scan(Hunt& hunt, std::int32_t pid)
     ::close(folder);
     if (found) remember(pid, cgroup, hunt.now);
     if (const auto known = known_.find(pid); known != known_.end()) known->second.descriptors = count;
+}
+
+/// How many descriptors a process has, by its folder of them, `path` below `folder` or "" for that folder itself. The
+/// kernel tells it as the folder's size since Linux 6.2, before that 0.
+std::int64_t Owners::descriptorCount(int folder, const char* path) const
+{
+    struct stat info {};
+    return isKernels_ && ::fstatat(folder, path, &info, AT_EMPTY_PATH) == 0 ? info.st_size : 0;
 }
 
 void Owners::remember(std::int32_t pid, std::uint64_t cgroup, double now)

@@ -44,7 +44,7 @@ public:
         replaced, ///< it has ended, and its number belongs to another process
     };
 
-    Owners(const ProcFolder& proc, ControlGroups groups) : proc_{proc}, groups_{std::move(groups)} {}
+    Owners(const ProcFolder& proc, ControlGroups groups);
 
     /// Fills in the owners of `searches`. It looks in processes that were found before with a socket of the same
     /// control group, those first that have more or fewer descriptors than then; then in those of the socket's control
@@ -75,10 +75,12 @@ private:
     void lookInLikely(Hunt& hunt);
     void lookInAll(Hunt& hunt, double now);
     void scan(Hunt& hunt, std::int32_t pid);
+    [[nodiscard]] std::int64_t descriptorCount(int folder, const char* path) const;
     void remember(std::int32_t pid, std::uint64_t cgroup, double now);
 
     const ProcFolder& proc_;
     ControlGroups groups_;
+    bool isKernels_ = false; ///< the folder of processes is the kernel's own
     std::unordered_map<std::int32_t, Known> known_;
     std::vector<std::int32_t> pids_; ///< all processes when all were looked at last, ascending
     double pause_ = 0;               ///< length of the pause after a look at all, 0 when it found everything
