@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <fcntl.h>
 #include <string>
 #include <string_view>
 #include <unistd.h>
@@ -31,6 +32,14 @@ constexpr const char* help =
     "  networksetup         hardware ports\n"
     "  start PID            what tells a process from a later one with the same number\n"
     "  parent PID           a process's parent\n";
+
+/// Fills the places of standard descriptors that are closed, so that nothing else is opened there and taken for them.
+void fillStandardDescriptors()
+{
+    int descriptor = 0;
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO) descriptor = ::open("/dev/null", O_RDWR);
+    if (descriptor >= 0) ::close(descriptor);
+}
 
 bool print(std::string_view text)
 {
@@ -60,6 +69,7 @@ int answer(Roles& roles, const std::string& request)
 
 int main(int count, char** arguments)
 {
+    fillStandardDescriptors();
     // A reader that has gone is noticed when writing fails.
     std::signal(SIGPIPE, SIG_IGN);
     const std::string_view first = count > 1 ? arguments[1] : "";
