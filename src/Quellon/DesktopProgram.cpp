@@ -63,8 +63,8 @@ int run(char** arguments, const ProgramOptions& options)
     const auto usualHandler = qInstallMessageHandler(whileConnecting);
     QApplication application{ownCount, ownName.data()};
     qInstallMessageHandler(usualHandler);
-    QApplication::setApplicationDisplayName("Quellon");
-    QApplication::setDesktopFileName("org.quellon.Quellon");
+    QApplication::setApplicationDisplayName(QStringLiteral("Quellon"));
+    QApplication::setDesktopFileName(QStringLiteral("org.quellon.Quellon"));
 
     QuellonApp app;
     OverviewWindow window;
@@ -74,7 +74,6 @@ int run(char** arguments, const ProgramOptions& options)
     const GuardEngine::Observation observation{app.engine(), refresh};
     refresh();
     window.show();
-    AppDelegate::applicationDidFinishLaunching(app.engine().host());
     RunLoop::Handle end;
     if (options.duration) end = app.runLoop().after(*options.duration, [] { QApplication::quit(); });
     const QtRunLoop embedded{app.runLoop()};

@@ -22,13 +22,19 @@ bool wantsColours(const ProcessControl& processes)
 
 } // namespace
 
-QuellonApp::QuellonApp() : calendar_(TimeZone::current(host_.host().processes)), engine_(host_.host()) {}
+QuellonApp::QuellonApp() : calendar_(TimeZone::current(host_.host().processes)), engine_(host_.host())
+{
+    // Before any view: from here on a signal ends the program by way of the clean-up.
+    AppDelegate::applicationDidFinishLaunching(host_.host());
+}
 
 int QuellonApp::runTerminal(const ProgramOptions& options)
 {
     const TerminalView::Options viewOptions{.colours = wantsColours(host_.host().processes),
                                             .keys = isatty(STDIN_FILENO) == 1};
-    auto view = TerminalView::open(
+    std::unique_ptr<TerminalView> view;
+    AppDelegate::cleanup = [&view] { view.reset(); };
+    view = TerminalView::open(
         engine_, calendar_, viewOptions,
         [this](int descriptor, RunLoop::Work ready) { return runLoop().watch(descriptor, std::move(ready)); },
         [this] { runLoop().quit(); });
@@ -36,7 +42,7 @@ int QuellonApp::runTerminal(const ProgramOptions& options)
         std::fputs("Quellon: this terminal can't be drawn on (see TERM); printing lines instead.\n", stderr);
         return runPlain(options);
     }
-    run(options, [&view] { view.reset(); });
+    run(options);
     return ExitStatus::success;
 }
 
@@ -50,14 +56,12 @@ int QuellonApp::runPlain(const ProgramOptions& options)
                              }
                              runLoop().quit();
                          }};
-    run(options, {});
+    run(options);
     return status;
 }
 
-void QuellonApp::run(const ProgramOptions& options, std::function<void()> cleanup)
+void QuellonApp::run(const ProgramOptions& options)
 {
-    AppDelegate::cleanup = std::move(cleanup);
-    AppDelegate::applicationDidFinishLaunching(host_.host());
     RunLoop::Handle end;
     if (options.duration) end = runLoop().after(*options.duration, [this] { runLoop().quit(); });
     runLoop().run();

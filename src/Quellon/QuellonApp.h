@@ -5,11 +5,10 @@
 #include "QuellonCore/Support/Calendar.h"
 #include "QuellonHost/SystemHost.h"
 
-#include <functional>
-
 namespace quellon {
 
-/// The program: the real host, the one engine, and a view on it. Making it starts the guard.
+/// The program: the real host, the one engine, and a view on it. Making it starts the guard, and SIGTERM and
+/// SIGINT end the process in order from then on.
 class QuellonApp {
 public:
     QuellonApp();
@@ -31,8 +30,8 @@ private:
     Calendar calendar_;
     GuardEngine engine_;
 
-    /// The run loop's life, from the launch to the ordinary end; `cleanup` is the delegate's for as long.
-    void run(const ProgramOptions& options, std::function<void()> cleanup);
+    /// The run loop's life, up to the ordinary end.
+    void run(const ProgramOptions& options);
 };
 
 } // namespace quellon

@@ -11,7 +11,7 @@
 namespace quellon::TimeZone {
 
 /// The IANA name of the user's zone: that of the variable TZ, otherwise that of the zone which /etc/localtime links to.
-/// "UTC" where neither tells one, and for a TZ that holds a rule of its own instead of a name.
+/// "UTC" where neither tells one. A TZ that holds a rule instead of a name is given as it is.
 [[nodiscard]] std::string current(const ProcessControl& processes);
 
 /// The same from the value of TZ and from where the link leads.

@@ -1,0 +1,145 @@
+#include "Quellon/ProgramOptions.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quellon {
+namespace {
+
+using View = ProgramOptions::View;
+using testing::HasSubstr;
+
+TEST(CommandLine, rightOnes)
+{
+    struct Case {
+        const char* name;
+        std::vector<std::string_view> arguments;
+        ProgramOptions options;
+    };
+    const Case cases[] = {
+        {"nothing", {}, {}},
+        {"terminal", {"--terminal"}, {.view = View::terminal, .duration = {}}},
+        {"plain", {"--plain"}, {.view = View::plain, .duration = {}}},
+        {"the same twice", {"--plain", "--plain"}, {.view = View::plain, .duration = {}}},
+        {"duration", {"--duration", "5"}, {.duration = Seconds{5}}},
+        {"duration in one word", {"--duration=2.5"}, {.duration = Seconds{2.5}}},
+        {"the last duration holds", {"--duration", "5", "--duration", "7"}, {.duration = Seconds{7}}},
+        {"both", {"--terminal", "--duration", "60"}, {.view = View::terminal, .duration = Seconds{60}}},
+        {"help", {"--help"}, {.duration = {}, .help = true}},
+        {"help in short", {"-h"}, {.duration = {}, .help = true}},
+        {"version", {"--version"}, {.duration = {}, .version = true}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(CommandLine::parse(c.arguments), (CommandLine::Result{c.options, std::nullopt}));
+    }
+}
+
+TEST(CommandLine, wrongOnes)
+{
+    struct Case {
+        const char* name;
+        std::vector<std::string_view> arguments;
+        const char* error;
+    };
+    constexpr const char* value = "--duration takes a positive number of seconds, such as 5 or 2.5";
+    const Case cases[] = {
+        {"unknown option", {"--fast"}, "unknown option \"--fast\""},
+        {"unknown short option", {"-x"}, "unknown option \"-x\""},
+        {"a lone dash", {"-"}, "unknown option \"-\""},
+        {"two dashes", {"--"}, "unknown option \"--\""},
+        {"a longer word", {"--durations=5"}, "unknown option \"--durations=5\""},
+        {"a value where none belongs", {"--plain=1"}, "unknown option \"--plain=1\""},
+        {"a stray argument", {"--plain", "hotspot"}, "unexpected argument \"hotspot\""},
+        {"an empty argument", {""}, "unexpected argument \"\""},
+        {"no value", {"--duration"}, value},
+        {"an option for a value", {"--duration", "--plain"}, value},
+        {"an empty value", {"--duration="}, value},
+        {"zero", {"--duration", "0"}, value},
+        {"both views", {"--plain", "--terminal"}, "--terminal and --plain exclude each other"},
+        {"help does not hide a mistake", {"--help", "--fast"}, "unknown option \"--fast\""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto result = CommandLine::parse(c.arguments);
+        ASSERT_TRUE(result.error);
+        EXPECT_THAT(*result.error, testing::StartsWith(c.error));
+    }
+}
+
+TEST(CommandLine, parseDuration)
+{
+    struct Case {
+        const char* name;
+        std::string text;
+        std::optional<double> seconds;
+    };
+    const Case cases[] = {
+        {"whole", "5", 5.0},
+        {"with a fraction", "2.5", 2.5},
+        {"leading zeros", "007", 7.0},
+        {"a small one", "0.001", 0.001},
+        {"the most", "1000000000", 1e9},
+        {"more than the most", "1000000001", std::nullopt},
+        {"as long as a novel", std::string(5000, '9'), std::nullopt},
+        {"zero", "0", std::nullopt},
+        {"zero with a fraction", "0.000", std::nullopt},
+        {"negative", "-1", std::nullopt},
+        {"signed", "+1", std::nullopt},
+        {"empty", "", std::nullopt},
+        {"no digit before the point", ".5", std::nullopt},
+        {"no digit behind it", "5.", std::nullopt},
+        {"two points", "1.2.3", std::nullopt},
+        {"comma", "1,5", std::nullopt},
+        {"exponent", "1e3", std::nullopt},
+        {"hexadecimal", "0x10", std::nullopt},
+        {"not a number", "nan", std::nullopt},
+        {"infinite", "inf", std::nullopt},
+        {"with a unit", "5s", std::nullopt},
+        {"blanks", " 5", std::nullopt},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto duration = CommandLine::parseDuration(c.text);
+        ASSERT_EQ(duration.has_value(), c.seconds.has_value());
+        EXPECT_NEAR(duration.value_or(Seconds{0}).count(), c.seconds.value_or(0), 1e-9);
+    }
+}
+
+TEST(CommandLine, helpNamesEveryOption)
+{
+    for (const char* option : {"--terminal", "--plain", "--duration", "--help", "--version", "Exit status"}) {
+        EXPECT_THAT(std::string{CommandLine::help()}, HasSubstr(option));
+    }
+}
+
+TEST(ProgramOptions, chooseView)
+{
+    struct Case {
+        const char* name;
+        View asked;
+        Surroundings surroundings;
+        ChosenView chosen;
+    };
+    constexpr Case cases[] = {
+        {"a display", View::automatic, {true, true}, ChosenView::desktop},
+        {"a display and no terminal", View::automatic, {true, false}, ChosenView::desktop},
+        {"no display", View::automatic, {false, true}, ChosenView::terminal},
+        {"neither", View::automatic, {false, false}, ChosenView::plain},
+        {"terminal in spite of a display", View::terminal, {true, true}, ChosenView::terminal},
+        {"terminal into a pipe", View::terminal, {true, false}, ChosenView::plain},
+        {"plain in spite of everything", View::plain, {true, true}, ChosenView::plain},
+        {"plain into a pipe", View::plain, {false, false}, ChosenView::plain},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(chooseView(c.asked, c.surroundings), c.chosen);
+    }
+}
+
+} // namespace
+} // namespace quellon
