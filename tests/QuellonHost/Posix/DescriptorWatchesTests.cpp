@@ -56,7 +56,7 @@ TEST_F(DescriptorWatchesTest, whatIsNotReadIsToldAgain)
 TEST_F(DescriptorWatchesTest, theOtherEndIsGone)
 {
     const auto watch = loop.watch(pipe.readEnd.get(), [&] { loop.quit(); });
-    loop.post([this] { pipe.writeEnd.reset(); });
+    loop.post([this] { pipe.writeEnd.close(); });
     loop.run();
 }
 
