@@ -84,7 +84,7 @@ class Layers(unittest.TestCase):
 
 class OwnWords(unittest.TestCase):
     def test_clean_project(self):
-        fine = "// Part of the picture; /run/lab/home, ~/work/, build/root/, usr/shared/lib, an issue of taste\n"
+        fine = "// /run/lab/home, ~/work/, build/root/\n"
         status, output = run_check("own_words.py", CLEAN | {"src/QuellonCore/A.cpp": fine})
         self.assertEqual((status, output), (0, f"{len(CLEAN) + 1} files, 0 problems\n"))
 
@@ -94,9 +94,6 @@ class OwnWords(unittest.TestCase):
             ("root's own files", "see /ro" "ot/.cache/x"),
             ("the project's own folder", "cd ROOT && make"),
             ("work for later", "// TO" "DO: think"),
-            ("numbered part", "as Pa" "rt 2.2 says"),
-            ("foreign document", "the spec" "ification wants it so"),
-            ("numbered discussion", "see is" "sue #12"),
         )
         for name, text in cases:
             for path in ("src/QuellonCore/A.cpp", "README.md", "tests/QuellonCore/A.cpp", ".ci/run"):
