@@ -116,8 +116,8 @@ bool PosixFileStore::remove(const fs::path& file)
 
 bool PosixFileStore::createDirectories(const fs::path& directory)
 {
-    fs::path path;
-    for (const auto& part : fs::absolute(directory).lexically_normal()) {
+    fs::path path; // as it stands: behind a link, ".." is another folder than the text suggests
+    for (const auto& part : directory) {
         path /= part;
         if (mkdir(path.c_str(), userOnlyFolder) != 0 && !isDirectory(path)) return false;
     }

@@ -97,6 +97,32 @@ TEST_F(PosixFileStoreTest, onlyTheUserReads)
     EXPECT_EQ(mode(folder / "a"), 0755U) << "a folder that was there is the user's own affair";
 }
 
+TEST_F(PosixFileStoreTest, makesTheFolderThatWritingMeans)
+{
+    auto files = store();
+    ASSERT_TRUE(files.createDirectories(folder / "real/inner"));
+    std::filesystem::create_symlink("real/inner", folder / "link");
+    EXPECT_TRUE(files.createDirectories(folder / "link/../state/./deep"));
+    EXPECT_TRUE(files.write(folder / "link/../state/deep/file", "x"));
+    EXPECT_EQ(files.read(folder / "real/state/deep/file"), "x") << "beside what the link leads to";
+}
+
+TEST_F(PosixFileStoreTest, aWorkingFolderThatIsGoneIsToldSo)
+{
+    ASSERT_TRUE(store().createDirectories(folder / "gone"));
+    const pid_t child = fork();
+    if (child == 0) {
+        auto files = store();
+        if (chdir((folder / "gone").c_str()) != 0 || rmdir((folder / "gone").c_str()) != 0) _exit(2);
+        const bool made = files.createDirectories("state") || files.write("state/file", "x");
+        _exit(made ? 1 : 0);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
 TEST_F(PosixFileStoreTest, aFullDiskIsToldSo)
 {
     auto files = store();
