@@ -59,9 +59,9 @@ std::optional<ProcessMetrics> LinuxProcessControl::metrics(std::string_view stat
 {
     constexpr std::uint64_t kilobyte = 1024;
     const auto resident = number(status, "VmRSS");
-    if (!resident) return std::nullopt;
-    ProcessMetrics result{*resident * kilobyte, *resident * kilobyte, 0};
-    result.threadCount = static_cast<std::size_t>(number(status, "Threads").value_or(0));
+    const auto threads = number(status, "Threads");
+    if (!resident || !threads) return std::nullopt;
+    ProcessMetrics result{*resident * kilobyte, *resident * kilobyte, static_cast<std::size_t>(*threads)};
     if (number(smapsRollup, "Private_Dirty")) {
         std::uint64_t own = 0;
         for (const auto* name : {"Private_Clean", "Private_Dirty", "Swap"})

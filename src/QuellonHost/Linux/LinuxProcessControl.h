@@ -15,7 +15,7 @@ public:
     /// memory included, or the resident memory where the kernel does not tell.
     [[nodiscard]] std::optional<ProcessMetrics> metrics() const override;
 
-    /// The same from the two texts. Absent when `status` names no resident memory.
+    /// The same from the two texts. Absent when `status` lacks the resident memory or the threads.
     [[nodiscard]] static std::optional<ProcessMetrics> metrics(std::string_view status, std::string_view smapsRollup);
     /// The last component of what /proc/PID/exe links to, without the kernel's mark of a removed file.
     [[nodiscard]] static std::string processName(std::string_view executable);
