@@ -39,7 +39,8 @@ TEST(LinuxProcessControl, metricsFromTheTexts)
     const Case cases[] = {
         {"both", status, rollup, ProcessMetrics{52'428'800, 20'992'000, 7}},
         {"no rollup", status, "", ProcessMetrics{52'428'800, 52'428'800, 7}},
-        {"no threads", "VmRSS: 1 kB", "", ProcessMetrics{1024, 1024, 0}},
+        {"no threads", "VmRSS: 1 kB\n", rollup, std::nullopt},
+        {"no number of threads", "VmRSS: 1 kB\nThreads:\t\n", rollup, std::nullopt},
         {"no memory", "Threads: 7\n", rollup, std::nullopt},
         {"no number", "VmRSS: kB\n", rollup, std::nullopt},
         {"beyond all numbers", "VmRSS: 99999999999999999999 kB\n", rollup, std::nullopt},
@@ -69,11 +70,13 @@ TEST(LinuxProcessControl, metricsSeeMemoryAndThreads)
 TEST(JournalLog, fields)
 {
     EXPECT_THAT(JournalLog::fields("shell", LogLevel::error, "two\nlines"),
-                ::testing::ElementsAre("SYSLOG_IDENTIFIER=quellon", "PRIORITY=3", "QUELLON_CATEGORY=shell",
+                ::testing::ElementsAre("SYSLOG_IDENTIFIER=quellon", "PRIORITY=3",
+                                       "QUELLON_SUBSYSTEM=com.brennix.quellon", "QUELLON_CATEGORY=shell",
                                        "MESSAGE=two\nlines"));
-    EXPECT_THAT(
-        JournalLog::fields("sampling", LogLevel::info, "%s"),
-        ::testing::ElementsAre("SYSLOG_IDENTIFIER=quellon", "PRIORITY=6", "QUELLON_CATEGORY=sampling", "MESSAGE=%s"));
+    EXPECT_THAT(JournalLog::fields("sampling", LogLevel::info, "%s"),
+                ::testing::ElementsAre("SYSLOG_IDENTIFIER=quellon", "PRIORITY=6",
+                                       "QUELLON_SUBSYSTEM=com.brennix.quellon", "QUELLON_CATEGORY=sampling",
+                                       "MESSAGE=%s"));
 }
 
 TEST(LinuxHost, findsTheProbe)
