@@ -64,7 +64,7 @@ std::string_view withoutProtocol(std::string_view local)
 {
     std::string_view rest = local;
     const std::string_view word = takeWord(rest);
-    if (!rest.empty()) return rest;
+    if (rest.find_first_not_of(' ') != std::string_view::npos) return rest;
     return word.empty() ? local : word;
 }
 

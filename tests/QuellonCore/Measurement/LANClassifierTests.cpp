@@ -38,6 +38,7 @@ TEST(LANClassifier, isLANConnection)
         {"wildcard, port with leading zeros", "udp4 *:0067<->*:*", true},
         {"wildcard, port in the protocol word", "udp.5353 x<->*:*", false},
         {"wildcard, blank behind the port", "5353:5353 <->*:*", true},
+        {"wildcard, blanks behind the port", "*:5353   <->*:*", true},
         {"discovery port with a fixed peer", "udp4 10.0.0.2:5353<->8.8.8.8:5353", false},
         {"second arrow belongs to the remote side", "tcp4 a:1<->10.0.0.1:2<->8.8.8.8:3", false},
         {"quic to the internet", "quic4 192.168.5.87:64253<->64.233.161.94:443", false},
