@@ -5,19 +5,11 @@
 #include "QuellonCore/Measurement/ProcessTable.h"
 #include "QuellonCore/Measurement/Shell.h"
 #include "QuellonCore/Measurement/TetherDetector.h"
+#include "QuellonCore/Support/Text.h"
 
 #include <fmt/format.h>
 
 namespace quellon {
-
-namespace {
-
-std::string_view lastPathComponent(std::string_view path)
-{
-    return path.substr(path.rfind('/') + 1);
-}
-
-} // namespace
 
 void GuardEngine::tick()
 {

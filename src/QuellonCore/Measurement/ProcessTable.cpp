@@ -23,12 +23,6 @@ std::optional<ProcessEntry> parseLine(std::string_view line)
     return ProcessEntry{*pid, *uid, *pgid, std::string{command}};
 }
 
-std::string_view lastPathComponent(std::string_view path)
-{
-    while (path.ends_with('/')) path.remove_suffix(1);
-    return path.substr(path.rfind('/') + 1); // npos + 1 is 0
-}
-
 } // namespace
 
 Entries::Entries(std::vector<ProcessEntry> entries) : entries_(std::move(entries))

@@ -3,7 +3,7 @@
 #include <string_view>
 #include <vector>
 
-/// Cutting up the text that tools print, without copying it.
+/// Cutting up the text that tools print, and paths, without copying it.
 namespace quellon {
 
 /// `text` without the blanks and tabs at its ends.
@@ -43,6 +43,13 @@ namespace quellon {
     std::vector<std::string_view> result;
     for (auto word = takeWord(line); !word.empty(); word = takeWord(line)) result.push_back(word);
     return result;
+}
+
+/// What stands behind the last slash of `path`, slashes at its end aside. Empty when nothing else is there.
+[[nodiscard]] constexpr std::string_view lastPathComponent(std::string_view path)
+{
+    while (path.ends_with('/')) path.remove_suffix(1);
+    return path.substr(path.rfind('/') + 1); // npos + 1 is 0
 }
 
 } // namespace quellon

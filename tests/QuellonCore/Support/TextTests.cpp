@@ -53,5 +53,26 @@ TEST(Text, words)
     EXPECT_THAT(words("  a   b\tc  "), testing::ElementsAre("a", "b\tc")) << "a tab separates nothing";
 }
 
+TEST(Text, lastPathComponent)
+{
+    struct Case {
+        const char* name;
+        const char* path;
+        const char* result;
+    };
+    constexpr Case cases[] = {
+        {"empty", "", ""},
+        {"only slashes", "//", ""},
+        {"no slash", "tool", "tool"},
+        {"absolute", "/usr/bin/tool", "tool"},
+        {"slashes at the end", "/usr/bin/tool//", "tool"},
+        {"blanks belong to the name", "/a/ b c ", " b c "},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(lastPathComponent(c.path), c.result);
+    }
+}
+
 } // namespace
 } // namespace quellon
