@@ -18,8 +18,7 @@ std::vector<InterfaceAddress> PosixInterfaceAddresses::ipv4Addresses() const
     std::vector<InterfaceAddress> result;
     for (const ifaddrs* each = first; each != nullptr; each = each->ifa_next) {
         if (each->ifa_addr == nullptr || each->ifa_addr->sa_family != AF_INET) continue;
-        constexpr std::size_t longestAddress = 64;
-        std::array<char, longestAddress> text{};
+        std::array<char, NI_MAXHOST> text{};
         const int error = getnameinfo(each->ifa_addr, sizeof(sockaddr_in), text.data(),
                                       static_cast<socklen_t>(text.size()), nullptr, 0, NI_NUMERICHOST);
         if (error == 0) result.push_back({each->ifa_name, text.data()});
