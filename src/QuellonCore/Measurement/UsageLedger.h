@@ -56,6 +56,7 @@ public:
     static constexpr double memoryIntervals = 24.0;
     static constexpr Seconds memoryFloor{120.0};
 
+    /// An empty ledger, which keeps buckets for `retentionSeconds` and expects a sample every `sampleInterval`.
     UsageLedger(Seconds retentionSeconds, Seconds sampleInterval, CountDirection counts);
 
     /// Which bytes later samples count. What was counted stays.

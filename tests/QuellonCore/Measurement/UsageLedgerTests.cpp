@@ -176,6 +176,7 @@ TEST(UsageLedger, aConnectionThatComesBack)
         {"one sample", 10, 100},
         {"a minute", 60, 100},
         {"just within the memory", 115, 100},
+        {"back in the very sample that would forget it", 120, 100},
         {"exactly the memory: forgotten at the sample before the return", 125, 1'100},
         {"far beyond", 600, 1'100},
     };
