@@ -35,7 +35,7 @@ while read -r role argument; do
     empty) printf '0\n' ;;
     pieces) printf '1'; sleep 0.02; printf '0\n01234'; sleep 0.02; printf 56789 ;;
     big) printf '1000000\n'; head -c 1000000 /dev/zero ;;
-    slow) sleep 0.3; answer slow ;;
+    wait) until [ -e "$0.go" ]; do sleep 0.01; done; answer waited ;;
     stop) kill -STOP $$ ;;
     stop-in-the-middle) printf '10\nabc'; kill -STOP $$ ;;
     stubborn) trap '' TERM; kill -STOP $$ ;;
@@ -131,6 +131,7 @@ TEST_F(ProbeClientTest, helperThatIsNotThere)
 
 TEST_F(ProbeClientTest, hangs)
 {
+    ASSERT_EQ(ask("empty").outcome, Outcome::finished); // from here on a helper runs
     for (const char* role : {"stop", "stop-in-the-middle", "stubborn"}) {
         SCOPED_TRACE(role);
         const auto begin = std::chrono::steady_clock::now();
@@ -234,9 +235,10 @@ TEST_F(ProbeClientTest, speaksUncalledFor)
 TEST_F(ProbeClientTest, waitingForAnotherRequestCounts)
 {
     (void)ask("pid");
-    std::thread first{[&] { EXPECT_EQ(ask("slow").output, "slow"); }};
+    std::thread first{[&] { EXPECT_EQ(ask("wait", 60s).output, "waited"); }};
     while (client.pid()) std::this_thread::yield(); // the request is under way
     EXPECT_EQ(ask("pid", 50ms), (CommandResult{Outcome::timedOut, ""}));
+    std::ofstream{program.string() + ".go"} << "go";
     EXPECT_EQ(ask("pid", 20s).outcome, Outcome::finished);
     first.join();
     EXPECT_EQ(started().size(), 1U) << "the helper was busy, not hanging";
