@@ -116,9 +116,11 @@ void GuardEngine::changed()
     tellsObservers_ = true;
     host_.runLoop.post(whileAlive([this] {
         tellsObservers_ = false;
-        // By index: an observer may bring another one into being.
+        // By index: an observer may bring another one into being. A copy: it may also end itself.
         for (std::size_t i = 0; i < observations_.size(); ++i) {
-            if (observations_[i] != nullptr) observations_[i]->changed_();
+            if (observations_[i] == nullptr) continue;
+            const auto changed = observations_[i]->changed_;
+            changed();
         }
         std::erase(observations_, nullptr);
     }));

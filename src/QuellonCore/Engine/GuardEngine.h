@@ -42,9 +42,11 @@ public:
         std::string psOutput;                             ///< Empty when it failed or was not asked for.
         bool sampled = false;                      ///< False only for a metered-only guard off a metered network.
         std::vector<std::string> timedOutCommands; ///< Paths of the commands that timed out since the last tick.
+        bool operator==(const TickInputs&) const = default;
     };
 
-    /// What keeps an observer told; its destruction ends that. It must not outlive the engine.
+    /// What keeps an observer told; its destruction ends that, also from within the call. It must not outlive the
+    /// engine.
     class Observation {
     public:
         Observation(GuardEngine& engine, std::function<void()> changed);

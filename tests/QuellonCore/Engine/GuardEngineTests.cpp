@@ -177,6 +177,24 @@ TEST(GuardEngine, observersAreToldOncePerTurnAndNotAfterTheyLeft)
     EXPECT_EQ(told, 1);
 }
 
+TEST(GuardEngine, anObserverMayLeaveWhileItIsTold)
+{
+    EngineWorld world;
+    GuardEngine engine{world.host, world.stopped()};
+    std::vector<std::string> told;
+    std::optional<GuardEngine::Observation> leaving;
+    leaving.emplace(engine, [&, name = std::string{"a name too long to be held without memory of its own"}] {
+        leaving.reset();
+        told.push_back(name);
+    });
+    const GuardEngine::Observation staying{engine, [&told] { told.emplace_back("staying"); }};
+    for (const char* each : {"a", "b"}) {
+        engine.append(GuardEvent::Kind::info, each);
+        world.host.advance(0s);
+    }
+    EXPECT_THAT(told, ElementsAre("a name too long to be held without memory of its own", "staying", "staying"));
+}
+
 TEST(GuardEngine, nothingRunsForAnEngineThatIsGone)
 {
     EngineWorld world;
@@ -205,6 +223,18 @@ TEST(GuardEngine, settingsTakeEffectAtOnce)
     world.host.advance(2s);
     ASSERT_EQ(engine.usage().size(), 1U);
     EXPECT_EQ(engine.usage()[0].bytes, 50U) << "only what was sent counts now";
+}
+
+TEST(GuardEngine, equalSettingsTakeEffectAgain)
+{
+    EngineWorld world;
+    GuardEngine engine{world.host};
+    world.host.advance(3s);
+    engine.setSettings(engine.settings());
+    world.host.advance(4s);
+    EXPECT_EQ(engine.sampling().completedTicks, 1) << "the fire at 5 s is off";
+    world.host.advance(1s);
+    EXPECT_EQ(engine.sampling().completedTicks, 2) << "5 s after the assignment";
 }
 
 } // namespace
