@@ -135,6 +135,34 @@ TEST(Tick, aHangingSamplerIsToldAndTheRoundGoesOn)
     EXPECT_TRUE(world.savedLedger()) << "saved all the same";
 }
 
+TEST(Tick, everyTimeOutOfARoundIsToldInItsOrderBeforeTheInterface)
+{
+    EngineWorld world;
+    for (const ToolRole role : {ToolRole::netstat, ToolRole::nettop, ToolRole::ps}) world.host.tool(role).timesOut();
+    GuardEngine engine{world.host};
+    world.host.advance(28s);
+    EXPECT_THAT(messages(engine), ElementsAre("Quellon Pro started · 0 rules", "netstat 超时未返回，本轮采样已跳过",
+                                              "nettop 超时未返回，本轮采样已跳过", "ps 超时未返回，本轮采样已跳过",
+                                              "📶 en0 · gateway 172.20.10.1 (hotspot range)"));
+    for (std::size_t i = 1; i <= 3; ++i) EXPECT_EQ(engine.events()[i].kind, GuardEvent::Kind::warning);
+    EXPECT_EQ(engine.events()[0].kind, GuardEvent::Kind::info);
+}
+
+TEST(Tick, aTimeOutInARoundWithoutASampleIsToldByThatRound)
+{
+    EngineWorld world;
+    world.goHome();
+    world.host.tool(ToolRole::ifconfig).timesOut();
+    GuardEngine engine{world.host};
+    world.host.advance(4s);
+    EXPECT_THAT(messages(engine), ElementsAre("Quellon Pro started · 0 rules", "ifconfig 超时未返回，本轮采样已跳过",
+                                              "🏠 en0 · gateway 192.168.1.1 · not metered"));
+    EXPECT_EQ(engine.lastSampleFailureAt(), std::nullopt) << "no sample was asked for";
+    EXPECT_THAT(lines(world.host, "sampling", LogLevel::error), IsEmpty());
+    EXPECT_THAT(lines(world.host, "sampling", LogLevel::info),
+                ElementsAre("collected in 4.00s · sampled=false · nettop=FAILED"));
+}
+
 TEST(Tick, aSampleAfterAFailedOneChargesBothRounds)
 {
     EngineWorld world;
@@ -212,6 +240,20 @@ TEST(Tick, anotherMeteredInterfaceEmptiesTheLedgerAndIsTold)
     world.host.advance(5s);
     EXPECT_THAT(engine.usage(), IsEmpty());
     EXPECT_EQ(messages(engine).back(), "📶 en5 · gateway 172.20.10.1 (hotspot range)");
+}
+
+TEST(Tick, anotherMeteredInterfaceRestartsTheTimer)
+{
+    EngineWorld world;
+    GuardEngine engine{world.host};
+    world.host.advance(6s);
+    world.joinHotspot("en5");
+    world.host.tool(ToolRole::route).takes(2s);
+    world.host.advance(10s); // the round from 10 to 12 s sees the change
+    EXPECT_EQ(engine.status().interface, "en5");
+    EXPECT_FALSE(engine.isTicking()) << "at 16 s; the former timer would have fired at 15 s";
+    world.host.advance(1s);
+    EXPECT_TRUE(engine.isTicking()) << "5 s after the change was seen";
 }
 
 TEST(Tick, goingOfflineLogsNothingButEmptiesTheLedger)
