@@ -360,8 +360,6 @@ TEST(UsageLedger, hoursOfChangingConnectionsStayBounded)
     EXPECT_EQ(mostApps, 61U);
 }
 
-using UsageLedgerDeathTest = ::testing::Test;
-
 TEST(UsageLedgerDeathTest, aSumThatDoesNotFitEndsTheProgram)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
