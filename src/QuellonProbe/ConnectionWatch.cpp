@@ -42,8 +42,10 @@ double now()
 
 } // namespace
 
-ConnectionWatch::ConnectionWatch(const ProcFolder& proc)
-    : owners_{proc, ControlGroups{proc}}, user_{::geteuid()}, lastAnswer_{-std::numeric_limits<double>::infinity()}
+ConnectionWatch::ConnectionWatch(const ProcFolder& proc, ProcessNames& names)
+    : owners_{proc, ControlGroups{proc}, names},
+      user_{::geteuid()},
+      lastAnswer_{-std::numeric_limits<double>::infinity()}
 {
 }
 
@@ -71,11 +73,8 @@ std::optional<std::string> ConnectionWatch::answer()
     findOwners(false);
     lastAnswer_ = now();
     const auto rows = list_.answer(lastAnswer_);
-    auto result = text(rows);
-    std::unordered_set<std::int32_t> inUse;
-    for (const auto& row : rows) inUse.insert(row.owner);
-    owners_.prune(inUse, lastAnswer_);
-    return result;
+    rememberOwners(rows);
+    return text(rows);
 }
 
 bool ConnectionWatch::open()
@@ -184,6 +183,17 @@ void ConnectionWatch::lookBetweenAnswers()
     if (open() && dumpAll()) findOwners(true);
     const auto cost = seconds(CLOCK_THREAD_CPUTIME_ID) - start;
     earliestLook_ = now() + std::max(shortestLookInterval, lookCostFactor * cost);
+}
+
+void ConnectionWatch::rememberOwners(const std::vector<ConnectionRow>& rows)
+{
+    seen_.clear();
+    std::unordered_set<std::int32_t> inUse;
+    for (const auto& row : rows) {
+        if (!inUse.insert(row.owner).second) continue;
+        if (const auto* process = owners_.seen(row.owner)) seen_.push_back(*process);
+    }
+    owners_.prune(inUse, lastAnswer_);
 }
 
 std::string ConnectionWatch::text(const std::vector<ConnectionRow>& rows)

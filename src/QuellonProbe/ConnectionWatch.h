@@ -5,9 +5,12 @@
 #include "QuellonProbe/Netlink.h"
 #include "QuellonProbe/Owners.h"
 #include "QuellonProbe/Proc.h"
+#include "QuellonProbe/ProcessNames.h"
+#include "QuellonProbe/SeenProcess.h"
 #include "QuellonProbe/Server.h"
 
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -21,13 +24,17 @@ namespace quellon {
 /// one processor's time, and only within a minute of an answer.
 class ConnectionWatch final : public Server::Background {
 public:
-    explicit ConnectionWatch(const ProcFolder& proc);
+    /// Both outlive the object.
+    ConnectionWatch(const ProcFolder& proc, ProcessNames& names);
 
     /// Begins to hear of destroyed sockets. Where the kernel refuses, it says so on standard error and goes on without.
     void subscribe();
 
     /// The answer; absent when the kernel refuses to list its sockets.
     [[nodiscard]] std::optional<std::string> answer();
+
+    /// The owners of the last answer as they were when they were found, ascending by pid. Valid until the next answer.
+    [[nodiscard]] std::span<const SeenProcess> seen() const { return seen_; }
 
     [[nodiscard]] int descriptor() const override;
     void readable() override;
@@ -45,6 +52,7 @@ private:
     void dropLostOwners();
     void findOwners(bool onlyNew);
     void lookBetweenAnswers();
+    void rememberOwners(const std::vector<ConnectionRow>& rows);
     [[nodiscard]] std::string text(const std::vector<ConnectionRow>& rows);
 
     std::optional<NetlinkSocket> diagnosis_;
@@ -53,6 +61,7 @@ private:
     LocalAddresses addresses_;
     ConnectionList list_;
     Owners owners_;
+    std::vector<SeenProcess> seen_;
     std::uint32_t user_;
     double lastAnswer_;
     double earliestLook_ = 0;        ///< the budget allows no look before

@@ -98,18 +98,6 @@ void forEachDescriptor(int folder, std::int64_t count, Visit visit)
     forEachEntry(folder, visit);
 }
 
-/// The name of a process as it set it; empty when it has ended.
-std::string comm(int proc, std::int32_t pid)
-{
-    const int file = ::openat(proc, ProcessPath{pid, "/comm"}.text(), O_RDONLY | O_CLOEXEC);
-    if (file < 0) return {};
-    std::array<char, 64> text;
-    const auto length = ::read(file, text.data(), text.size());
-    ::close(file);
-    // The file ends with a line feed; the name may hold others.
-    return length > 1 ? std::string{text.data(), static_cast<std::size_t>(length) - 1} : std::string{};
-}
-
 bool isGroupFolder(const char* path)
 {
     struct statfs info {};
@@ -155,8 +143,8 @@ bool isProcFolder(int folder)
 
 } // namespace
 
-Owners::Owners(const ProcFolder& proc, ControlGroups groups)
-    : proc_{proc}, groups_{std::move(groups)}, isKernels_{isProcFolder(proc.descriptor())}
+Owners::Owners(const ProcFolder& proc, ControlGroups groups, ProcessNames& names)
+    : proc_{proc}, groups_{std::move(groups)}, names_{names}, isKernels_{isProcFolder(proc.descriptor())}
 {
 }
 
@@ -290,11 +278,13 @@ void Owners::remember(std::int32_t pid, std::uint64_t cgroup, double now)
     known.found = now;
     struct stat info {};
     if (::fstatat(proc_.descriptor(), ProcessPath{pid, ""}.text(), &info, 0) != 0) return;
-    if (info.st_ino == known.folder && info.st_uid == known.user) return;
+    const auto stat = proc_.stat(pid);
+    if (!stat || stat->hasEnded) return;
     known.folder = info.st_ino;
     known.user = info.st_uid;
-    known.startTicks.reset();
-    known.name = cleanName(comm(proc_.descriptor(), pid), Commas::replaced);
+    known.name = cleanName(stat->comm, Commas::replaced);
+    // Anew each time, since a process may have become another program.
+    known.process = {pid, info.st_uid, stat->group, stat->startTicks, std::string{names_.of(pid, *stat)}};
 }
 
 Owners::Presence Owners::presence(std::int32_t pid)
@@ -304,19 +294,12 @@ Owners::Presence Owners::presence(std::int32_t pid)
     auto& known = place->second;
     struct stat info {};
     if (::fstatat(proc_.descriptor(), ProcessPath{pid, ""}.text(), &info, 0) != 0) return Presence::gone;
-    const bool isSameFolder = info.st_ino == known.folder && info.st_uid == known.user;
-    if (isSameFolder && known.startTicks) return Presence::same;
+    if (info.st_ino == known.folder && info.st_uid == known.user) return Presence::same;
     const auto stat = proc_.stat(pid);
     if (!stat) return Presence::gone;
-    if (isSameFolder) {
-        known.startTicks = stat->startTicks;
-        return Presence::same;
-    }
     // The kernel may have given the folder a new inode, or the process may have changed its user.
-    if (stat->startTicks != known.startTicks) return Presence::replaced;
-    // What has died but isn't reaped has no executable any more.
-    const bool hasExecutable = ::faccessat(proc_.descriptor(), ProcessPath{pid, "/exe"}.text(), F_OK, 0) == 0;
-    if (!hasExecutable && errno == ENOENT) return Presence::gone;
+    if (stat->startTicks != known.process.startTicks) return Presence::replaced;
+    if (stat->hasEnded) return Presence::gone;
     known.folder = info.st_ino;
     known.user = info.st_uid;
     return Presence::same;
@@ -327,6 +310,12 @@ const std::string& Owners::name(std::int32_t pid) const
     static const std::string none;
     const auto place = known_.find(pid);
     return place == known_.end() ? none : place->second.name;
+}
+
+const SeenProcess* Owners::seen(std::int32_t pid) const
+{
+    const auto place = known_.find(pid);
+    return place == known_.end() || place->second.process.pid == 0 ? nullptr : &place->second.process;
 }
 
 void Owners::prune(const std::unordered_set<std::int32_t>& inUse, double now)

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "QuellonProbe/Proc.h"
+#include "QuellonProbe/ProcessNames.h"
+#include "QuellonProbe/SeenProcess.h"
 
 #include <cstdint>
 #include <optional>
@@ -44,7 +46,8 @@ public:
         replaced, ///< it has ended, and its number belongs to another process
     };
 
-    Owners(const ProcFolder& proc, ControlGroups groups);
+    /// `proc` and `names` outlive the object.
+    Owners(const ProcFolder& proc, ControlGroups groups, ProcessNames& names);
 
     /// Fills in the owners of `searches`. It looks in processes that were found before with a socket of the same
     /// control group, those first that have more or fewer descriptors than then; then in those of the socket's control
@@ -56,12 +59,15 @@ public:
     [[nodiscard]] Presence presence(std::int32_t pid);
     /// Its name when it was found, clean for a row; empty for one that find() never named.
     [[nodiscard]] const std::string& name(std::int32_t pid) const;
+    /// What it was when it was found last; null for one that find() never named, and for one that ended in that moment.
+    /// Valid until the next call of find() or prune().
+    [[nodiscard]] const SeenProcess* seen(std::int32_t pid) const;
     /// Forgets the processes that are not `inUse` when they have ended or had no new socket for ten minutes.
     void prune(const std::unordered_set<std::int32_t>& inUse, double now);
 
 private:
     struct Known {
-        std::optional<std::uint64_t> startTicks; ///< read when its presence is first asked for
+        SeenProcess process;          ///< pid 0 when it ended before it could be looked at
         std::uint64_t folder = 0;     ///< inode of the process's folder, cheap proof that it is the same process
         std::uint32_t user = 0;       ///< owner of that folder, which changes when the process dies unreaped
         std::uint64_t cgroup = 0;     ///< of the newest of its sockets
@@ -80,6 +86,7 @@ private:
 
     const ProcFolder& proc_;
     ControlGroups groups_;
+    ProcessNames& names_;
     bool isKernels_ = false; ///< the folder of processes is the kernel's own
     std::unordered_map<std::int32_t, Known> known_;
     std::vector<std::int32_t> pids_; ///< all processes when all were looked at last, ascending

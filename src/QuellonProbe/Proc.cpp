@@ -153,6 +153,7 @@ std::optional<ProcessStat> ProcFolder::parseStat(std::string_view text)
     // Numbered as the kernel's documentation does: 1 is the pid, 2 the comm.
     for (int field = 3; field <= 22; ++field) {
         const auto value = takeField(rest);
+        if (field == 3) stat.hasEnded = value == "Z" || value == "X";
         const bool good = field == 4    ? readNumber(value, stat.parent)
                           : field == 5  ? readNumber(value, stat.group)
                           : field == 9  ? readNumber(value, flags)

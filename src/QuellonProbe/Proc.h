@@ -15,6 +15,7 @@ struct ProcessStat {
     std::int32_t group = 0;
     bool isKernelThread = false;
     std::uint64_t startTicks = 0; ///< clock ticks from boot to the start of the process; fixed for its life
+    bool hasEnded = false;        ///< only its parent hasn't taken notice yet
 
     friend bool operator==(const ProcessStat&, const ProcessStat&) = default;
 };

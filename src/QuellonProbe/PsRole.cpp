@@ -1,12 +1,11 @@
 #include "QuellonProbe/PsRole.h"
 
-#include "QuellonProbe/ApplicationPath.h"
 #include "QuellonProbe/Text.h"
 
 #include <array>
 #include <cerrno>
 #include <charconv>
-#include <utility>
+#include <string_view>
 
 namespace quellon {
 namespace {
@@ -24,80 +23,51 @@ void appendNumber(std::string& text, Number number)
     text += ' ';
 }
 
-template <typename Map>
-void eraseUnused(Map& map, std::uint64_t round)
+void append(std::string& text, std::int32_t pid, std::uint32_t user, std::int32_t group, std::string_view path)
 {
-    for (auto entry = map.begin(); entry != map.end();) {
-        entry = entry->second.round == round ? std::next(entry) : map.erase(entry);
-    }
+    appendNumber(text, pid);
+    appendNumber(text, user);
+    appendNumber(text, group);
+    text.append(path).append(1, '\n');
+}
+
+void append(std::string& text, const SeenProcess& process)
+{
+    append(text, process.pid, process.user, process.group, process.path);
 }
 
 } // namespace
 
-PsRole::PsRole(const ProcFolder& proc, std::string root) : proc_{proc}, root_{std::move(root)} {}
+PsRole::PsRole(const ProcFolder& proc, ProcessNames& names) : proc_{proc}, names_{names} {}
 
-std::optional<std::string> PsRole::answer()
+std::optional<std::string> PsRole::answer(std::span<const SeenProcess> seen)
 {
     if (!proc_.list(pids_)) {
         complain("the list of processes can't be read", errno);
         return std::nullopt;
     }
-    ++round_;
     std::string text;
     text.reserve(lastSize_ + 1024);
-    for (const auto pid : pids_) appendRow(text, pid);
+    auto next = seen.begin();
+    for (const auto pid : pids_) {
+        for (; next != seen.end() && next->pid < pid; ++next) append(text, *next);
+        const bool isSeen = next != seen.end() && next->pid == pid;
+        appendRow(text, pid, isSeen ? &*next++ : nullptr);
+    }
+    for (; next != seen.end(); ++next) append(text, *next);
     lastSize_ = text.size();
-    eraseUnused(byExecutable_, round_);
-    eraseUnused(bySandboxed_, round_);
+    names_.forgetUnused();
     return text;
 }
 
-void PsRole::appendRow(std::string& text, std::int32_t pid)
+/// The row of a process that is in the list. It may have ended all the same, waited for by its parent or not.
+void PsRole::appendRow(std::string& text, std::int32_t pid, const SeenProcess* seen)
 {
     const auto stat = proc_.stat(pid);
-    const auto owner = proc_.owner(pid);
-    if (!stat || !owner) return;
-    appendNumber(text, pid);
-    appendNumber(text, *owner);
-    appendNumber(text, stat->group);
-    text += name(pid, *stat);
-    text += '\n';
-}
-
-/// A view that holds until the next call.
-std::string_view PsRole::name(std::int32_t pid, const ProcessStat& stat)
-{
-    if (!stat.isKernelThread) {
-        if (const auto executable = proc_.executable(pid)) return applicationName(hostPath(pid, stat, *executable));
-    }
-    bare_ = cleanName(stat.comm);
-    if (stat.isKernelThread) bare_ = "[" + bare_ + "]";
-    // A row without a fourth column would be no row.
-    if (bare_.find_first_not_of(' ') == std::string::npos) bare_ = "?";
-    return bare_;
-}
-
-std::string_view PsRole::applicationName(const std::string& executable)
-{
-    Name& known = byExecutable_[executable];
-    if (known.round == 0) known.text = cleanName(ApplicationPath::of(executable, root_));
-    known.round = round_;
-    return known.text;
-}
-
-/// The executable, unless it lies in an application's sandbox, where it is only a name until the sandbox has told
-/// which application it is.
-const std::string& PsRole::hostPath(std::int32_t pid, const ProcessStat& stat, const std::string& executable)
-{
-    if (executable.compare(0, 5, "/app/") != 0) return executable;
-    Sandboxed& known = bySandboxed_[pid];
-    if (known.round == 0 || known.startTicks != stat.startTicks || known.executable != executable) {
-        const auto info = proc_.file(pid, "root/.flatpak-info");
-        const auto path = info ? ApplicationPath::outOfSandbox(executable, *info) : std::nullopt;
-        known = {stat.startTicks, executable, path.value_or(std::string{}), round_};
-    }
-    known.round = round_;
-    return known.hostPath.empty() ? executable : known.hostPath;
+    const auto owner = stat ? proc_.owner(pid) : std::nullopt;
+    const bool isDead = !owner || (stat->hasEnded && seen && stat->startTicks == seen->startTicks);
+    if (!isDead) return append(text, pid, *owner, stat->group, names_.of(pid, *stat));
+    if (seen) append(text, *seen);
 }
 
 } // namespace quellon

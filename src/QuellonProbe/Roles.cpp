@@ -20,7 +20,7 @@ const Roles::Role Roles::table[] = {
     {"start", Argument::process, &Roles::start},       {"parent", Argument::process, &Roles::parent},
 };
 
-Roles::Roles() : connections_{proc_}, processes_{proc_} {}
+Roles::Roles() : names_{proc_}, connections_{proc_, names_}, processes_{proc_, names_} {}
 
 Server::Reply Roles::reply(std::string_view request)
 {
@@ -64,7 +64,7 @@ Roles::Answer Roles::nettop(std::string_view)
 
 Roles::Answer Roles::ps(std::string_view)
 {
-    return processes_.answer();
+    return processes_.answer(connections_.seen());
 }
 
 Roles::Answer Roles::route(std::string_view)

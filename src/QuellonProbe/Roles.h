@@ -7,6 +7,7 @@
 #include "QuellonProbe/MessageBus.h"
 #include "QuellonProbe/NetworkManager.h"
 #include "QuellonProbe/Proc.h"
+#include "QuellonProbe/ProcessNames.h"
 #include "QuellonProbe/PsRole.h"
 #include "QuellonProbe/Server.h"
 
@@ -50,6 +51,7 @@ private:
     Answer parent(std::string_view process);
 
     ProcFolder proc_;
+    ProcessNames names_;
     ConnectionWatch connections_;
     PsRole processes_;
     std::optional<KernelNetwork> network_; ///< opened when first needed

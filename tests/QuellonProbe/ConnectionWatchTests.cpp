@@ -118,7 +118,8 @@ TEST(ConnectionWatch, leavesOutTheLoopback)
 {
     const Pair pair;
     const ProcFolder proc;
-    ConnectionWatch watch{proc};
+    ProcessNames names{proc};
+    ConnectionWatch watch{proc, names};
     const auto answer = watch.answer();
     ASSERT_TRUE(answer);
     EXPECT_THAT(*answer, Not(HasSubstr("127.0.0.1")));
@@ -140,13 +141,17 @@ TEST(ConnectionWatch, listsAConnectionUnderItsProcessAndInterface)
             socklen_t size = sizeof where;
             ::getsockname(descriptor, reinterpret_cast<sockaddr*>(&where), &size);
             const ProcFolder proc;
-            ConnectionWatch watch{proc};
+            ProcessNames names{proc};
+            ConnectionWatch watch{proc, names};
             const auto answer = watch.answer().value_or("refused");
             const auto expected =
                 "tcp4 198.18.0.2:" + std::to_string(ntohs(where.sin_port)) + "<->198.18.0.9:443,outside,0,0,\n";
             const auto owner = "." + std::to_string(::getpid()) + ",,0,0,\n";
             ::close(descriptor);
-            const bool isRight = answer.find(expected) != answer.npos && answer.find(owner) != answer.npos;
+            const auto seen = watch.seen();
+            const bool isSeen = seen.size() == 1 && seen[0].pid == ::getpid() && seen[0].group == ::getpgrp() &&
+                                seen[0].path == names.of(::getpid(), proc.stat(::getpid()).value());
+            const bool isRight = answer.find(expected) != answer.npos && answer.find(owner) != answer.npos && isSeen;
             return isRight ? std::string{"right"} : answer;
         });
     if (run.lack) GTEST_SKIP() << *run.lack;

@@ -18,14 +18,13 @@ using testing::TemporaryFolder;
 class Owning : public ::testing::Test {
 protected:
     void process(std::int32_t pid, const std::vector<std::string>& targets, const std::string& group = "/user",
-                 const std::string& comm = "program", std::uint64_t startTicks = 500)
+                 const std::string& comm = "program", std::uint64_t startTicks = 500, const std::string& state = "S")
     {
         const auto folder = std::to_string(pid) + "/";
-        proc.write(folder + "comm", comm + "\n");
-        proc.write(folder + "stat", std::to_string(pid) + " (" + comm + ") S 1 1 1 0 -1 0 0 0 0 0 0 0 0 0 20 0 1 0 " +
-                                        std::to_string(startTicks) + " 0 0 0\n");
+        proc.write(folder + "stat", std::to_string(pid) + " (" + comm + ") " + state +
+                                        " 1 40 1 0 -1 0 0 0 0 0 0 0 0 0 20 0 1 0 " + std::to_string(startTicks) +
+                                        " 0 0 0\n");
         proc.write(folder + "cgroup", "1:cpu:/\n0::" + group + "\n");
-        proc.write(folder + "exe", "");
         proc.write(folder + "fd/.keep", "");
         for (std::size_t i = 0; i < targets.size(); ++i) proc.link(folder + "fd/" + std::to_string(i), targets[i]);
         std::filesystem::create_directories(groups.path() + group);
@@ -45,16 +44,19 @@ protected:
     {
         if (!owners_) {
             folder_.emplace(proc.path());
-            owners_.emplace(*folder_, ControlGroups{*folder_, groups.path()});
+            names_.emplace(*folder_, files.path());
+            owners_.emplace(*folder_, ControlGroups{*folder_, groups.path()}, *names_);
         }
         return *owners_;
     }
 
     TemporaryFolder proc;
     TemporaryFolder groups;
+    TemporaryFolder files; ///< where executables are looked up
 
 private:
     std::optional<ProcFolder> folder_;
+    std::optional<ProcessNames> names_;
     std::optional<Owners> owners_;
 };
 
@@ -80,7 +82,8 @@ TEST_F(Owning, descriptorsThatAreNoSocket)
         TemporaryFolder own;
         own.link("42/fd/0", c.target);
         const ProcFolder folder{own.path()};
-        Owners fresh{folder, ControlGroups{folder, own.path()}};
+        ProcessNames names{folder};
+        Owners fresh{folder, ControlGroups{folder, own.path()}, names};
         std::vector<SocketSearch> searches{{77, 0, true, 0}};
         fresh.find(searches, 0);
         EXPECT_EQ(searches[0].owner, c.owner);
@@ -175,9 +178,34 @@ TEST_F(Owning, processThatIsDeadButNotReapedIsGone)
     EXPECT_EQ(find(1, 0), 42);
     EXPECT_EQ(owners().presence(42), Owners::Presence::same);
     std::filesystem::rename(proc.path() + "/42", proc.path() + "/old");
-    process(42, {});
-    proc.remove("42/exe");
+    process(42, {}, "/user", "program", 500, "Z");
     EXPECT_EQ(owners().presence(42), Owners::Presence::gone);
+}
+
+TEST_F(Owning, processIsSeenAsItWasWhenItWasFoundLast)
+{
+    process(42, {"socket:[1]"});
+    proc.link("42/exe", "/opt/browser/helper (deleted)");
+    files.executable("opt/browser/browser");
+    process(43, {"socket:[3]"});
+    EXPECT_EQ(owners().seen(42), nullptr) << "not found yet";
+    EXPECT_EQ(find(1, 0), 42);
+    EXPECT_EQ(find(3, 0), 43);
+    ASSERT_NE(owners().seen(42), nullptr);
+    EXPECT_EQ(*owners().seen(42), (SeenProcess{42, ::geteuid(), 40, 500, "/opt/browser/browser"}));
+    ASSERT_NE(owners().seen(43), nullptr);
+    EXPECT_EQ(owners().seen(43)->path, "program") << "whose executable can't be read";
+
+    proc.remove("42/exe");
+    proc.link("42/exe", "/usr/bin/curl");
+    EXPECT_EQ(owners().seen(42)->path, "/opt/browser/browser");
+    proc.link("42/fd/7", "socket:[2]");
+    EXPECT_EQ(find(2, 1), 42);
+    EXPECT_EQ(owners().seen(42)->path, "/usr/bin/curl") << "another program by now";
+    proc.remove("42");
+    EXPECT_EQ(owners().seen(42)->path, "/usr/bin/curl");
+    owners().prune({}, 2);
+    EXPECT_EQ(owners().seen(42), nullptr);
 }
 
 TEST_F(Owning, pruneForgetsTheDeadAndTheIdle)
@@ -207,7 +235,8 @@ TEST(Owners, findsASocketOfThisVeryProcess)
     struct stat info {};
     ASSERT_EQ(::fstat(far, &info), 0);
     const ProcFolder proc;
-    Owners owners{proc, ControlGroups{proc}};
+    ProcessNames names{proc};
+    Owners owners{proc, ControlGroups{proc}, names};
     std::vector<SocketSearch> searches{{static_cast<std::uint32_t>(info.st_ino), 0, true, 0}};
     owners.find(searches, 0);
     ::close(far);

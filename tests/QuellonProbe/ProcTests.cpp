@@ -14,9 +14,10 @@ using testing::TemporaryFolder;
 
 /// Fields 3 to 22 of a stat file, and one more.
 std::string fields(const std::string& parent, const std::string& group, const std::string& flags,
-                   const std::string& start)
+                   const std::string& start, const std::string& state = "S")
 {
-    return " S " + parent + " " + group + " 1 0 -1 " + flags + " 1 2 3 4 5 6 7 8 20 0 1 0 " + start + " 999\n";
+    return " " + state + " " + parent + " " + group + " 1 0 -1 " + flags + " 1 2 3 4 5 6 7 8 20 0 1 0 " + start +
+           " 999\n";
 }
 
 TEST(ProcFolder, parseStat)
@@ -28,13 +29,19 @@ TEST(ProcFolder, parseStat)
     };
     const auto good = fields("41", "40", "4194560", "123456789012");
     const Case cases[] = {
-        {"ordinary", "42 (bash)" + good, ProcessStat{"bash", 41, 40, false, 123456789012}},
-        {"closing bracket in the name", "42 (a) S 1)" + good, ProcessStat{"a) S 1", 41, 40, false, 123456789012}},
-        {"blanks and brackets", "42 ((sd-pam) x)" + good, ProcessStat{"(sd-pam) x", 41, 40, false, 123456789012}},
-        {"line feed in the name", "42 (a\nb)" + good, ProcessStat{"a\nb", 41, 40, false, 123456789012}},
-        {"empty name", "42 ()" + good, ProcessStat{"", 41, 40, false, 123456789012}},
-        {"kernel thread", "2 (kthreadd)" + fields("0", "0", "2129984", "0"), ProcessStat{"kthreadd", 0, 0, true, 0}},
-        {"group outside of this namespace", "2 (x)" + fields("0", "-1", "0", "5"), ProcessStat{"x", 0, -1, false, 5}},
+        {"ordinary", "42 (bash)" + good, ProcessStat{"bash", 41, 40, false, 123456789012, false}},
+        {"closing bracket in the name", "42 (a) S 1)" + good,
+         ProcessStat{"a) S 1", 41, 40, false, 123456789012, false}},
+        {"blanks and brackets", "42 ((sd-pam) x)" + good,
+         ProcessStat{"(sd-pam) x", 41, 40, false, 123456789012, false}},
+        {"line feed in the name", "42 (a\nb)" + good, ProcessStat{"a\nb", 41, 40, false, 123456789012, false}},
+        {"empty name", "42 ()" + good, ProcessStat{"", 41, 40, false, 123456789012, false}},
+        {"kernel thread", "2 (kthreadd)" + fields("0", "0", "2129984", "0"),
+         ProcessStat{"kthreadd", 0, 0, true, 0, false}},
+        {"group outside of this namespace", "2 (x)" + fields("0", "-1", "0", "5"),
+         ProcessStat{"x", 0, -1, false, 5, false}},
+        {"not reaped", "2 (x)" + fields("1", "2", "0", "5", "Z"), ProcessStat{"x", 1, 2, false, 5, true}},
+        {"being taken away", "2 (x)" + fields("1", "2", "0", "5", "X"), ProcessStat{"x", 1, 2, false, 5, true}},
         {"empty", "", std::nullopt},
         {"no name", "42 bash" + good, std::nullopt},
         {"brackets the wrong way", "42 )bash(" + good, std::nullopt},

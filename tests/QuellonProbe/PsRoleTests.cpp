@@ -14,9 +14,10 @@ namespace {
 using testing::TemporaryFolder;
 
 std::string stat(const std::string& comm, const std::string& group, const std::string& start = "5",
-                 const std::string& flags = "0")
+                 const std::string& flags = "0", const std::string& state = "S")
 {
-    return "1 (" + comm + ") S 1 " + group + " 1 0 -1 " + flags + " 1 2 3 4 5 6 7 8 20 0 1 0 " + start + " 9\n";
+    return "1 (" + comm + ") " + state + " 1 " + group + " 1 0 -1 " + flags + " 1 2 3 4 5 6 7 8 20 0 1 0 " + start +
+           " 9\n";
 }
 
 /// A row of this user with the two numbers and the path.
@@ -52,7 +53,8 @@ TEST_F(PsRoleTest, listsEveryProcess)
     process(17, "rubbish");
     folder_.write("proc/18/other", "");
     const ProcFolder proc{folder_.path() + "/proc"};
-    PsRole role{proc, folder_.path() + "/root"};
+    ProcessNames names{proc, folder_.path() + "/root"};
+    PsRole role{proc, names};
     EXPECT_EQ(role.answer(), row(2, 0, "[kworker/0:1]") + row(7, 7, "/opt/browser/browser") +
                                  row(12, 12, "foreign daemon") + row(13, 13, "a?b") + row(14, 14, "?") +
                                  row(15, 15, "/usr/bin/python3.11") + row(16, 16, "/opt/a?b\xEF\xBF\xBD") +
@@ -63,7 +65,8 @@ TEST_F(PsRoleTest, seesAnotherProgramInTheSameProcess)
 {
     process(7, stat("sh", "7"), "/usr/bin/dash");
     const ProcFolder proc{folder_.path() + "/proc"};
-    PsRole role{proc, folder_.path()};
+    ProcessNames names{proc, folder_.path()};
+    PsRole role{proc, names};
     EXPECT_EQ(role.answer(), row(7, 7, "/usr/bin/dash"));
     process(7, stat("curl", "7"), "/usr/bin/curl");
     EXPECT_EQ(role.answer(), row(7, 7, "/usr/bin/curl"));
@@ -76,7 +79,8 @@ TEST_F(PsRoleTest, asksTheSandboxForItsApplication)
     folder_.write("proc/7/root/.flatpak-info", info);
     process(8, stat("player", "8"), "/app/bin/player");
     const ProcFolder proc{folder_.path() + "/proc"};
-    PsRole role{proc, folder_.path()};
+    ProcessNames names{proc, folder_.path()};
+    PsRole role{proc, names};
     const auto first = row(7, 7, "/var/lib/flatpak/app/org.x.Player/files/bin/player");
     EXPECT_EQ(role.answer(), first + row(8, 8, "/app/bin/player"));
     folder_.remove("proc/7/root");
@@ -88,20 +92,47 @@ TEST_F(PsRoleTest, asksTheSandboxForItsApplication)
 TEST_F(PsRoleTest, forgetsProcessesThatEnded)
 {
     const ProcFolder proc{(folder_.write("proc/1/stat", stat("init", "1")), folder_.path() + "/proc")};
-    PsRole role{proc, folder_.path()};
+    ProcessNames names{proc, folder_.path()};
+    PsRole role{proc, names};
     for (int pid = 2; pid < 50; ++pid) process(pid, stat("x", "1"), "/usr/bin/x" + std::to_string(pid));
     process(50, stat("x", "1"), "/app/bin/x");
     ASSERT_TRUE(role.answer());
-    EXPECT_EQ(role.remembered(), 50U);
+    EXPECT_EQ(names.remembered(), 50U);
     for (int pid = 2; pid <= 50; ++pid) folder_.remove("proc/" + std::to_string(pid));
     EXPECT_EQ(role.answer(), row(1, 1, "init"));
-    EXPECT_EQ(role.remembered(), 0U);
+    EXPECT_EQ(names.remembered(), 0U);
+}
+
+TEST_F(PsRoleTest, listsSeenProcessesThatEnded)
+{
+    process(7, stat("sh", "7"), "/usr/bin/dash");
+    process(20, stat("curl", "20", "5", "0", "Z"));
+    process(21, stat("other", "21", "6", "0", "Z"));
+    process(22, stat("late", "22", "9"), "/usr/bin/late");
+    folder_.write("proc/23/other", "");
+    const ProcFolder proc{folder_.path() + "/proc"};
+    ProcessNames names{proc, folder_.path()};
+    PsRole role{proc, names};
+    const auto user = geteuid();
+    const std::vector<SeenProcess> seen{
+        {3, user, 2, 5, "/opt/first"},  {7, user, 7, 5, "/usr/bin/before"}, {12, user, 12, 5, "/opt/a b"},
+        {20, user, 19, 5, "/opt/curl"}, {21, user, 19, 5, "/opt/earlier"},  {22, user, 22, 8, "/opt/earlier"},
+        {23, user, 23, 5, "/opt/gone"}, {99, user, 99, 5, "/opt/last"},
+    };
+    const auto expected = row(3, 2, "/opt/first") + row(7, 7, "/usr/bin/dash") + row(12, 12, "/opt/a b") +
+                          row(20, 19, "/opt/curl") + row(21, 21, "other") + row(22, 22, "/usr/bin/late") +
+                          row(23, 23, "/opt/gone") + row(99, 99, "/opt/last");
+    EXPECT_EQ(role.answer(seen), expected);
+    EXPECT_EQ(role.answer(seen), expected) << "as often as it is asked";
+    EXPECT_EQ(role.answer(),
+              row(7, 7, "/usr/bin/dash") + row(20, 20, "curl") + row(21, 21, "other") + row(22, 22, "/usr/bin/late"));
 }
 
 TEST_F(PsRoleTest, refusesWithoutProcesses)
 {
     const ProcFolder none{folder_.path() + "/none"};
-    PsRole role{none};
+    ProcessNames names{none};
+    PsRole role{none, names};
     ::testing::internal::CaptureStderr();
     EXPECT_EQ(role.answer(), std::nullopt);
     EXPECT_EQ(::testing::internal::GetCapturedStderr(),
@@ -132,7 +163,8 @@ TEST_F(PsRoleTest, agreesWithTheSystemsTool)
         table.append(buffer.data(), size);
     if (pclose(tool) != 0) GTEST_SKIP() << "no ps with these columns here";
     const ProcFolder proc;
-    PsRole role{proc};
+    ProcessNames names{proc};
+    PsRole role{proc, names};
     const auto answer = role.answer();
     ASSERT_TRUE(answer);
     EXPECT_EQ(ownRow(*answer), ownRow(table));
