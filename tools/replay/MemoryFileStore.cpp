@@ -27,8 +27,9 @@ std::optional<std::string> MemoryFileStore::read(const Path& file) const
 bool MemoryFileStore::write(const Path& file, std::string_view content)
 {
     ++writes_;
-    const Path path = canonical(file);
-    if (failsWrites_ || isDirectory(path) || !isDirectory(path.parent_path())) return false;
+    const Path path = canonical(file.parent_path()) / file.filename();
+    if (failsWrites_ || links_.contains(path)) return false;
+    if (isDirectory(path) || !isDirectory(path.parent_path())) return false;
     std::string& stored = files_[path];
     stored.clear();
     const std::uint64_t used = usedBytes();

@@ -14,7 +14,7 @@
 namespace quellon {
 
 /// A file system in memory with the faults of real ones. Holds the root, the home folder and the temporary folder at
-/// first. Paths are absolute; symbolic links are followed.
+/// first. Paths are absolute; symbolic links are followed, though not by `write` at the end of a path.
 class MemoryFileStore final : public FileStore {
 public:
     using Path = std::filesystem::path;

@@ -16,7 +16,8 @@ public:
     /// The whole content; absent when it can't be read.
     [[nodiscard]] virtual std::optional<std::string> read(const std::filesystem::path& file) const = 0;
 
-    /// Creates or overwrites the file, readable by the user alone. False when any byte could not be written.
+    /// Creates or overwrites the file, readable by the user alone. False when any byte could not be written, and for a
+    /// symbolic link: in a folder that others can write to it may lead to any of the user's files.
     [[nodiscard]] virtual bool write(const std::filesystem::path& file, std::string_view content) = 0;
 
     /// Puts `from` in the place of `to` in one atomic step; `to` need not exist. False when that failed.
@@ -35,7 +36,9 @@ public:
     /// The per-user folder for application data (`~/Library/Application Support`, `$XDG_DATA_HOME`); absent when the
     /// platform names none.
     [[nodiscard]] virtual std::optional<std::filesystem::path> applicationSupportDirectory() const = 0;
+    /// The user's home folder.
     [[nodiscard]] virtual std::filesystem::path homeDirectory() const = 0;
+    /// The folder for files that need not last.
     [[nodiscard]] virtual std::filesystem::path temporaryDirectory() const = 0;
 };
 

@@ -99,7 +99,8 @@ std::optional<std::string> PosixFileStore::read(const fs::path& file) const
 
 bool PosixFileStore::write(const fs::path& file, std::string_view content)
 {
-    Descriptor descriptor{open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, userOnlyFile)};
+    constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW;
+    Descriptor descriptor{open(file.c_str(), flags, userOnlyFile)};
     if (!descriptor || !makePrivate(descriptor.get()) || !writeAll(descriptor.get(), content)) return false;
     return descriptor.close(); // where the disk is far away, it tells only now that it is full
 }

@@ -73,6 +73,21 @@ TYPED_TEST(FileStoreContract, whatCannotBeDoneIsToldSo)
     EXPECT_EQ(this->files.read(this->root / "file"), "x");
 }
 
+TYPED_TEST(FileStoreContract, writeDoesNotFollowALinkInItsPlace)
+{
+    ASSERT_TRUE(this->files.createDirectories(this->root / "folder"));
+    ASSERT_TRUE(this->files.write(this->root / "folder/target", "target"));
+    this->world.link(this->root / "link", this->root / "folder/target");
+    this->world.link(this->root / "dangling", this->root / "folder/nothing");
+    this->world.link(this->root / "way", this->root / "folder");
+    EXPECT_FALSE(this->files.write(this->root / "link", "x"));
+    EXPECT_FALSE(this->files.write(this->root / "dangling", "x"));
+    EXPECT_EQ(this->files.read(this->root / "folder/target"), "target");
+    EXPECT_EQ(this->files.read(this->root / "folder/nothing"), std::nullopt);
+    EXPECT_TRUE(this->files.write(this->root / "way/target", "x")) << "only the last part counts";
+    EXPECT_EQ(this->files.read(this->root / "folder/target"), "x");
+}
+
 TYPED_TEST(FileStoreContract, replaceMovesTheContentOver)
 {
     ASSERT_TRUE(this->files.write(this->root / "new", "new"));
