@@ -27,9 +27,10 @@ namespace quellon {
 /// inputs leaves it. Views read its fields, call its operations, and are told once a turn that something changed.
 class GuardEngine {
 public:
+    /// How an engine begins.
     struct Options {
         std::optional<Capabilities> capabilities; ///< Absent: detected from the environment for the `pro` edition.
-        bool autoStart = true;
+        bool autoStart = true;                    ///< Whether construction ends with `start`.
         GuardSettings settings;
     };
 
@@ -49,6 +50,7 @@ public:
     /// engine.
     class Observation {
     public:
+        /// From now on `changed` is called in the turn after each turn that changed something.
         Observation(GuardEngine& engine, std::function<void()> changed);
         ~Observation();
         Observation(const Observation&) = delete;
@@ -93,17 +95,21 @@ public:
     /// Gathers the inputs of a tick. Blocks for as long as the tools take, reads no engine state; any thread.
     [[nodiscard]] static TickInputs collectInputs(const Host& host, bool meteredOnly, bool canSample);
 
+    /// The latest verdict on the default route.
     [[nodiscard]] const MeteredStatus& status() const { return status_; }
     /// Interface on which a phone is tethered while the default route goes elsewhere.
     [[nodiscard]] const std::optional<std::string>& idleTetherInterface() const { return idleTetherInterface_; }
     /// The latest reading of the default route's counters; absent while not metered or not readable.
     [[nodiscard]] const std::optional<InterfaceCounter>& interfaceCounter() const { return interfaceCounter_; }
+    /// What the system calls its devices, as of construction.
     [[nodiscard]] const InterfaceNames::Map& interfaceNames() const { return interfaceNames_; }
     /// Per-application totals over `settings().primaryWindow()`, largest first, as of the latest tick.
     [[nodiscard]] const std::vector<AppUsage>& usage() const { return usage_; }
-    /// The activity log, newest first.
+    /// The activity log, newest first, at most `eventCapacity` lines.
     [[nodiscard]] const std::deque<GuardEvent>& events() const { return events_; }
+    /// True between `start` and `stop`.
     [[nodiscard]] bool isRunning() const { return isRunning_; }
+    /// True from the start of a round's collection to the end of its `apply`.
     [[nodiscard]] bool isTicking() const { return isTicking_; }
     [[nodiscard]] const Capabilities& capabilities() const { return capabilities_; }
     /// When the traffic sample last gave nothing.

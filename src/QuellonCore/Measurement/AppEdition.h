@@ -22,6 +22,7 @@ constexpr const auto& enumTable(AppEdition /*type*/)
 /// The edition of this build.
 inline constexpr AppEdition currentEdition = AppEdition::pro;
 
+/// The name that people see.
 [[nodiscard]] constexpr std::string_view displayName(AppEdition edition)
 {
     return appEditions.label(edition);
