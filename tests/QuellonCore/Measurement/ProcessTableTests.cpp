@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <string>
 
 namespace quellon {
@@ -149,8 +150,8 @@ std::string asProcessTable(std::string_view fullFormat)
     std::string result;
     while (!fullFormat.empty()) {
         std::string_view rest = takeLine(fullFormat);
-        std::vector<std::string> columns;
-        for (int i = 0; i < 7; ++i) columns.emplace_back(takeWord(rest));
+        std::array<std::string, 7> columns;
+        for (auto& column : columns) column = takeWord(rest);
         result += columns[1] + ' ' + columns[0] + ' ' + columns[2] + ' ' + std::string{rest} + '\n';
     }
     return result;

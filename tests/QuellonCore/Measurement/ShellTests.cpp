@@ -194,6 +194,7 @@ TEST_F(ShellTests, drainFromManyThreadsLosesAndRepeatsNothing)
     const Host host = hostWith(commands);
     std::atomic<std::size_t> told{0};
     std::vector<std::thread> threads;
+    threads.reserve(threadCount);
     for (std::size_t i = 0; i < threadCount; ++i) {
         threads.emplace_back([&host, &told] {
             for (std::size_t run = 0; run < runsEach; ++run) {

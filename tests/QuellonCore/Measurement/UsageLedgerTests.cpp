@@ -349,8 +349,10 @@ TEST(UsageLedger, hoursOfChangingConnectionsStayBounded)
         // Five connections per sample that live for one sample each, of a program whose name is new every minute.
         const std::int32_t pid = tick / 12 + 10;
         world.processes = {{pid, {pid, 501, pid, "/tmp/build-" + std::to_string(pid)}}};
-        std::vector<ConnectionSample> samples;
-        for (int i = 0; i < 5; ++i) samples.push_back({pid, "tcp4 a:" + std::to_string(5 * tick + i) + "<->b:1", 1, 0});
+        std::vector<ConnectionSample> samples(5, {pid, "", 1, 0});
+        for (std::size_t i = 0; i < samples.size(); ++i) {
+            samples[i].connection = "tcp4 a:" + std::to_string(tick) + "." + std::to_string(i) + "<->b:1";
+        }
         mostApps = std::max(mostApps, world.ingest(5s, samples).size());
         mostConnections = std::max(mostConnections, world.ledger.rememberedConnections());
         mostBuckets = std::max(mostBuckets, world.ledger.snapshot().buckets.size());

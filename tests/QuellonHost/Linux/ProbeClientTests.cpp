@@ -8,7 +8,6 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/wait.h>
@@ -21,7 +20,6 @@ namespace {
 
 using namespace std::chrono_literals;
 using Outcome = CommandResult::Outcome;
-using ::testing::ElementsAre;
 
 /// A helper that behaves as each request says. `pid` answers with its process id.
 constexpr std::string_view fakeHelper = R"(#!/bin/sh
@@ -246,8 +244,10 @@ TEST_F(ProbeClientTest, waitingForAnotherRequestCounts)
 
 TEST_F(ProbeClientTest, manyThreadsGetTheirOwnAnswers)
 {
+    constexpr int threadCount = 8;
     std::vector<std::thread> threads;
-    for (int thread = 0; thread < 8; ++thread) {
+    threads.reserve(threadCount);
+    for (int thread = 0; thread < threadCount; ++thread) {
         threads.emplace_back([this, thread] {
             for (int i = 0; i < 50; ++i) {
                 const std::string word = std::to_string(thread) + "." + std::to_string(i);

@@ -10,7 +10,6 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <set>
@@ -236,6 +235,7 @@ TEST_F(PosixCommandRunnerTest, eightAtOnceShareNothing)
     std::vector<std::string> strangers(8);
     {
         std::vector<std::thread> threads;
+        threads.reserve(strangers.size());
         for (auto& stranger : strangers) {
             threads.emplace_back([&] {
                 for (int round = 0; round < 25 && stranger.empty(); ++round) {
