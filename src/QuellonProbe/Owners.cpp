@@ -278,13 +278,25 @@ void Owners::remember(std::int32_t pid, std::uint64_t cgroup, double now)
     known.found = now;
     struct stat info {};
     if (::fstatat(proc_.descriptor(), ProcessPath{pid, ""}.text(), &info, 0) != 0) return;
-    const auto stat = proc_.stat(pid);
-    if (!stat || stat->hasEnded) return;
+    // Anew each time, since a process may have become another program.
+    auto process = look(pid, info.st_uid);
+    if (!process) return;
+    if (info.st_ino != known.folder || info.st_uid != known.user) known.startTicks.reset();
     known.folder = info.st_ino;
     known.user = info.st_uid;
-    known.name = cleanName(stat->comm, Commas::replaced);
-    // Anew each time, since a process may have become another program.
-    known.process = {pid, info.st_uid, stat->group, stat->startTicks, std::string{names_.of(pid, *stat)}};
+    known.name = cleanName(std::string_view{process->path}.substr(process->path.rfind('/') + 1), Commas::replaced);
+    known.process = std::move(*process);
+}
+
+/// Absent when the process has ended.
+std::optional<SeenProcess> Owners::look(std::int32_t pid, std::uint32_t user)
+{
+    const auto group = proc_.group(pid);
+    if (!group) return std::nullopt;
+    if (const auto path = names_.ofExecutable(pid)) return SeenProcess{pid, user, *group, std::string{*path}};
+    const auto stat = proc_.stat(pid);
+    if (!stat || stat->hasEnded) return std::nullopt;
+    return SeenProcess{pid, user, *group, std::string{names_.of(pid, *stat)}};
 }
 
 Owners::Presence Owners::presence(std::int32_t pid)
@@ -294,11 +306,16 @@ Owners::Presence Owners::presence(std::int32_t pid)
     auto& known = place->second;
     struct stat info {};
     if (::fstatat(proc_.descriptor(), ProcessPath{pid, ""}.text(), &info, 0) != 0) return Presence::gone;
-    if (info.st_ino == known.folder && info.st_uid == known.user) return Presence::same;
+    const bool isSameFolder = info.st_ino == known.folder && info.st_uid == known.user;
+    if (isSameFolder && known.startTicks) return Presence::same;
     const auto stat = proc_.stat(pid);
     if (!stat) return Presence::gone;
+    if (isSameFolder) {
+        known.startTicks = stat->startTicks;
+        return Presence::same;
+    }
     // The kernel may have given the folder a new inode, or the process may have changed its user.
-    if (stat->startTicks != known.process.startTicks) return Presence::replaced;
+    if (stat->startTicks != known.startTicks) return Presence::replaced;
     if (stat->hasEnded) return Presence::gone;
     known.folder = info.st_ino;
     known.user = info.st_uid;

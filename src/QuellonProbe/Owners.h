@@ -57,7 +57,7 @@ public:
 
     /// Whether a process that find() has named is still the same one. One that find() never named is gone.
     [[nodiscard]] Presence presence(std::int32_t pid);
-    /// Its name when it was found, clean for a row; empty for one that find() never named.
+    /// The last component of its path when it was found, clean for a row; empty for one that find() never named.
     [[nodiscard]] const std::string& name(std::int32_t pid) const;
     /// What it was when it was found last; null for one that find() never named, and for one that ended in that moment.
     /// Valid until the next call of find() or prune().
@@ -67,7 +67,8 @@ public:
 
 private:
     struct Known {
-        SeenProcess process;          ///< pid 0 when it ended before it could be looked at
+        std::optional<std::uint64_t> startTicks; ///< read when its presence is first asked for
+        SeenProcess process;                     ///< pid 0 when it ended before it could be looked at
         std::uint64_t folder = 0;     ///< inode of the process's folder, cheap proof that it is the same process
         std::uint32_t user = 0;       ///< owner of that folder, which changes when the process dies unreaped
         std::uint64_t cgroup = 0;     ///< of the newest of its sockets
@@ -82,6 +83,7 @@ private:
     void lookInAll(Hunt& hunt, double now);
     void scan(Hunt& hunt, std::int32_t pid);
     [[nodiscard]] std::int64_t descriptorCount(int folder, const char* path) const;
+    [[nodiscard]] std::optional<SeenProcess> look(std::int32_t pid, std::uint32_t user);
     void remember(std::int32_t pid, std::uint64_t cgroup, double now);
 
     const ProcFolder& proc_;

@@ -75,7 +75,12 @@ std::string_view takeField(std::string_view& rest)
 
 } // namespace
 
-ProcFolder::ProcFolder(const std::string& root) : descriptor_{open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)} {}
+ProcFolder::ProcFolder(const std::string& root) : descriptor_{open(root.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)}
+{
+    std::array<char, 16> self;
+    const auto size = readlinkat(descriptor_, "self", self.data(), self.size());
+    isOwn_ = size > 0 && parsePid({self.data(), static_cast<std::size_t>(size)}) == getpid();
+}
 
 ProcFolder::~ProcFolder()
 {
@@ -116,6 +121,16 @@ std::optional<ProcessStat> ProcFolder::stat(std::int32_t pid) const
     const auto size = readInto(descriptor_, ProcessPath{pid, "stat"}.text(), buffer.data(), buffer.size());
     if (size <= 0) return std::nullopt;
     return parseStat({buffer.data(), static_cast<std::size_t>(size)});
+}
+
+std::optional<std::int32_t> ProcFolder::group(std::int32_t pid) const
+{
+    if (isOwn_) {
+        const auto group = getpgid(pid);
+        return group < 0 ? std::nullopt : std::optional{group};
+    }
+    const auto read = stat(pid);
+    return read ? std::optional{read->group} : std::nullopt;
 }
 
 std::optional<std::string> ProcFolder::executable(std::int32_t pid) const

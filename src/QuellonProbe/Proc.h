@@ -39,6 +39,8 @@ public:
     /// Effective user id.
     [[nodiscard]] std::optional<std::uint32_t> owner(std::int32_t pid) const;
     [[nodiscard]] std::optional<ProcessStat> stat(std::int32_t pid) const;
+    /// Process group; cheaper than stat() where the folder is that of this process's own system.
+    [[nodiscard]] std::optional<std::int32_t> group(std::int32_t pid) const;
     /// The executable as the kernel names it, " (deleted)" included, seen from the process's own root folder.
     [[nodiscard]] std::optional<std::string> executable(std::int32_t pid) const;
     /// The first 64 KiB of a file below the folder, as "self/status"; absent when it can't be read.
@@ -55,6 +57,7 @@ public:
 
 private:
     int descriptor_ = -1;
+    bool isOwn_ = false; ///< its process ids are those of the system calls
 };
 
 } // namespace quellon

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -20,6 +21,9 @@ public:
     /// ApplicationPath's name of the executable; where the executable can't be read, the comm, in brackets for a kernel
     /// thread. Clean for a row and never blank. A view that holds until the next call of any function.
     [[nodiscard]] std::string_view of(std::int32_t pid, const ProcessStat& stat);
+
+    /// The same, as far as it comes from the executable; absent where that can't be read. Cheaper, without the stat.
+    [[nodiscard]] std::optional<std::string_view> ofExecutable(std::int32_t pid, const ProcessStat* stat = nullptr);
 
     /// Forgets the names that nobody has asked for since the last call.
     void forgetUnused();
@@ -40,7 +44,7 @@ private:
     };
 
     std::string_view applicationName(const std::string& executable);
-    const std::string& hostPath(std::int32_t pid, const ProcessStat& stat, const std::string& executable);
+    const std::string& hostPath(std::int32_t pid, std::uint64_t startTicks, const std::string& executable);
 
     const ProcFolder& proc_;
     std::string root_;

@@ -65,7 +65,7 @@ void PsRole::appendRow(std::string& text, std::int32_t pid, const SeenProcess* s
 {
     const auto stat = proc_.stat(pid);
     const auto owner = stat ? proc_.owner(pid) : std::nullopt;
-    const bool isDead = !owner || (stat->hasEnded && seen && stat->startTicks == seen->startTicks);
+    const bool isDead = !owner || (stat->hasEnded && seen);
     if (!isDead) return append(text, pid, *owner, stat->group, names_.of(pid, *stat));
     if (seen) append(text, *seen);
 }

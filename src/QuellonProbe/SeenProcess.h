@@ -10,8 +10,7 @@ struct SeenProcess {
     std::int32_t pid = 0;
     std::uint32_t user = 0;
     std::int32_t group = 0;
-    std::uint64_t startTicks = 0; ///< tells it from a later process with the same id
-    std::string path;             ///< ProcessNames's name of it
+    std::string path; ///< ProcessNames's name of it
 
     friend bool operator==(const SeenProcess&, const SeenProcess&) = default;
 };

@@ -102,6 +102,10 @@ TEST_F(Owning, findsEachSocketAndNamesItsProcess)
     EXPECT_EQ(searches[3].owner, 0) << "inode 0 is nobody's";
     EXPECT_EQ(owners().name(42), "a;b?c)");
     EXPECT_EQ(owners().name(44), "");
+    proc.link("43/exe", "/opt/x/a,b ");
+    proc.link("43/fd/7", "socket:[4]");
+    EXPECT_EQ(find(4, 1), 43);
+    EXPECT_EQ(owners().name(43), "a;b ") << "the executable's name, where it can be read";
 }
 
 TEST_F(Owning, socketOfSeveralProcessesBelongsToTheFirst)
@@ -192,7 +196,7 @@ TEST_F(Owning, processIsSeenAsItWasWhenItWasFoundLast)
     EXPECT_EQ(find(1, 0), 42);
     EXPECT_EQ(find(3, 0), 43);
     ASSERT_NE(owners().seen(42), nullptr);
-    EXPECT_EQ(*owners().seen(42), (SeenProcess{42, ::geteuid(), 40, 500, "/opt/browser/browser"}));
+    EXPECT_EQ(*owners().seen(42), (SeenProcess{42, ::geteuid(), 40, "/opt/browser/browser"}));
     ASSERT_NE(owners().seen(43), nullptr);
     EXPECT_EQ(owners().seen(43)->path, "program") << "whose executable can't be read";
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <limits>
 #include <optional>
 #include <unistd.h>
 
@@ -106,6 +107,8 @@ TEST(ProcFolder, answersByAbsence)
     EXPECT_FALSE(proc.stat(5));
     EXPECT_FALSE(proc.stat(6));
     EXPECT_FALSE(proc.owner(6));
+    EXPECT_FALSE(proc.group(5));
+    EXPECT_FALSE(proc.group(6));
     EXPECT_FALSE(proc.executable(5));
     EXPECT_FALSE(proc.file(5, "cgroup"));
     EXPECT_FALSE(proc.file(5, std::string(500, 'x')));
@@ -116,6 +119,14 @@ TEST(ProcFolder, answersByAbsence)
     EXPECT_FALSE(none.list(pids));
     EXPECT_TRUE(pids.empty());
     EXPECT_FALSE(none.stat(5));
+}
+
+TEST(ProcFolder, groupIsTheFoldersOwn)
+{
+    const TemporaryFolder folder;
+    folder.write(std::to_string(getpid()) + "/stat", "1 (x)" + fields("1", "77", "0", "5"));
+    folder.link("self", "1");
+    EXPECT_EQ(ProcFolder{folder.path()}.group(getpid()), 77);
 }
 
 TEST(ProcFolder, readsThisProcess)
@@ -129,6 +140,8 @@ TEST(ProcFolder, readsThisProcess)
     ASSERT_TRUE(stat);
     EXPECT_EQ(stat->parent, getppid());
     EXPECT_EQ(stat->group, getpgrp());
+    EXPECT_EQ(proc.group(getpid()), getpgrp());
+    EXPECT_FALSE(proc.group(std::numeric_limits<std::int32_t>::max()));
     EXPECT_FALSE(stat->isKernelThread);
     EXPECT_GT(stat->startTicks, 0U);
     EXPECT_EQ(proc.owner(getpid()), geteuid());
