@@ -167,12 +167,13 @@ struct Owners::Hunt {
         }
         std::ranges::sort(byInode);
     }
-    /// Whether a new search without an answer has this control group.
+    /// Whether a new search without an answer has this control group, or may have it, as far as is known.
     [[nodiscard]] bool wants(std::uint64_t cgroup) const
     {
         return std::ranges::any_of(byInode, [&](const auto& entry) {
             const auto& search = searches[entry.second];
-            return search.isNew && search.owner == 0 && search.cgroup == cgroup;
+            const bool fits = search.cgroup == cgroup || search.cgroup == 0 || cgroup == 0;
+            return search.isNew && search.owner == 0 && fits;
         });
     }
     [[nodiscard]] SocketSearch* find(std::uint32_t inode) const

@@ -52,7 +52,8 @@ public:
     /// Fills in the owners of `searches`. It looks in processes that were found before with a socket of the same
     /// control group, those first that have more or fewer descriptors than then; then in those of the socket's control
     /// group and those that have started since all were looked at; then in all, unless that left something unfound a
-    /// short while ago (8 s, doubling up to 256 s). A search that is not new takes part in the last step alone.
+    /// short while ago (8 s, doubling up to 256 s). A search that is not new takes part in the last step alone. Where
+    /// the control group of a socket or a process is unknown, it may be any.
     void find(std::vector<SocketSearch>& searches, double now);
 
     /// Whether a process that find() has named is still the same one. One that find() never named is gone.

@@ -112,7 +112,7 @@ TEST_F(Owning, socketOfSeveralProcessesBelongsToTheFirst)
 {
     process(43, {"socket:[1]"});
     process(42, {"socket:[1]"});
-    EXPECT_EQ(find(1, 0), 42);
+    EXPECT_EQ(find(1, 0, 1), 42);
 }
 
 TEST_F(Owning, aSearchInVainIsNotRepeatedForAWhile)
@@ -155,6 +155,18 @@ TEST_F(Owning, newSocketIsFoundWithoutALookAtAll)
     EXPECT_EQ(find(4, 2, b), 0) << "a process of another group has to wait";
     process(45, {"socket:[5]"}, "/user/c");
     EXPECT_EQ(find(5, 2, b), 45) << "a process that has just started hasn't";
+}
+
+TEST_F(Owning, whereControlGroupsAreUnknownNewSocketsDoNotWait)
+{
+    process(42, {"/dev/null"}, "/user/a");
+    process(43, {"/dev/null"}, "/user/b");
+    EXPECT_EQ(find(99, 0, 1), 0) << "begins the pause";
+    proc.link("42/fd/7", "socket:[1]");
+    EXPECT_EQ(find(1, 1), 42) << "a kernel that doesn't tell a socket's group";
+    proc.write("43/cgroup", "1:cpu:/\n");
+    proc.link("43/fd/7", "socket:[2]");
+    EXPECT_EQ(find(2, 1, group("/user/a")), 43) << "a process whose group can't be told";
 }
 
 TEST_F(Owning, presence)
