@@ -16,16 +16,17 @@ void ConnectionList::see(const InetSocket& socket, std::uint32_t interface)
 
 bool ConnectionList::close(const InetSocket& socket, std::uint32_t interface)
 {
-    auto place = connections_.find(socket.cookie);
-    if (place == connections_.end()) {
-        // Refused connections and the like: there is nothing to tell of them.
-        if (socket.bytesIn == 0 && socket.bytesOut == 0) return false;
-        if (closed_ >= mostClosed) return false;
-        place = connections_.emplace(socket.cookie, Connection{}).first;
-        place->second.socket = socket;
+    const auto place = connections_.find(socket.cookie);
+    const bool isKnown = place != connections_.end();
+    if (isKnown && place->second.isClosed) return false;
+    // Refused connections and the like: there is nothing to tell of them.
+    if (!isKnown && socket.bytesIn == 0 && socket.bytesOut == 0) return false;
+    if (closed_ >= mostClosed && !(isKnown && place->second.wasAnswered)) {
+        if (isKnown) connections_.erase(place);
+        return false;
     }
-    auto& connection = place->second;
-    if (connection.isClosed) return false;
+    auto& connection = isKnown ? place->second : connections_[socket.cookie];
+    if (!isKnown) connection.socket = socket;
     connection.isClosed = true;
     ++closed_;
     connection.socket.bytesIn = std::max(connection.socket.bytesIn, socket.bytesIn);

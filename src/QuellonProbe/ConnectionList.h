@@ -45,7 +45,8 @@ public:
     };
     using Connections = std::unordered_map<std::uint64_t, Connection>;
 
-    /// Connections that close between two answers are kept up to this many; of more, those that close last are lost.
+    /// Connections that close between two answers are kept up to this many; of more, those that close last are lost,
+    /// unless an answer has listed them.
     static constexpr std::size_t mostClosed = 8192;
     /// Labels whose counters are remembered after their connection, and for how many seconds since they were listed
     /// last. The reader takes a label that was away for 120 s for a new one, so this must be less.

@@ -144,6 +144,21 @@ TEST(ConnectionList, manyClosedConnectionsDoNotFillTheMemory)
     EXPECT_TRUE(list.close(socket(99999, 1, 1), wlan)) << "there is room again";
 }
 
+TEST(ConnectionList, closedConnectionsThatOnlyALookHasShownCountToo)
+{
+    ConnectionList list;
+    list.see(socket(1, 1, 1), wlan);
+    list.see(socket(2, 1, 1), wlan);
+    EXPECT_EQ(list.answer(0).size(), 1U) << "both with one label";
+    for (std::uint64_t cookie = 10; cookie < 10 + 2 * ConnectionList::mostClosed; ++cookie) {
+        list.see(socket(cookie, 5, 5, endpoints("10.0.0.2", 1, "8.8.8.8", 1)), wlan);
+        static_cast<void>(list.close(socket(cookie, 5, 5, endpoints("10.0.0.2", 1, "8.8.8.8", 1)), wlan));
+    }
+    EXPECT_EQ(list.connections().size(), ConnectionList::mostClosed + 2);
+    EXPECT_FALSE(list.close(socket(1, 7, 7), wlan));
+    EXPECT_TRUE(list.connections().at(1).isClosed) << "what an answer has listed keeps its last counters";
+}
+
 TEST(ConnectionList, interfaceOnceKnownStays)
 {
     ConnectionList list;
