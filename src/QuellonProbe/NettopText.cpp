@@ -8,6 +8,22 @@ namespace quellon {
 
 namespace {
 
+/// An interface that has no name has this one, so that the field isn't empty: that marks the row of a process.
+constexpr std::string_view nameless = "?";
+
+std::string_view nameOrNone(std::string_view name)
+{
+    return name.empty() ? nameless : name;
+}
+
+/// What stands behind the "%" of link-local addresses: links without a name differ by their index.
+std::string zoneText(std::uint32_t link, const NettopNames& names)
+{
+    if (link == 0) return {};
+    const auto name = nameOrNone(names.interface(link));
+    return name == nameless ? std::to_string(link) : std::string{name};
+}
+
 void addFields(std::string& text, std::string_view interface, std::uint64_t bytesIn, std::uint64_t bytesOut)
 {
     text.append(",").append(interface).append(",");
@@ -34,9 +50,8 @@ std::string nettopText(const std::vector<ConnectionRow>& rows, std::string_view 
         text.append(".").append(std::to_string(row->owner));
         addFields(text, "", bytesIn, bytesOut);
         for (; row != end; ++row) {
-            const auto zone = row->ends.link == 0 ? std::string_view{} : names.interface(row->ends.link);
-            text.append(time).append(",").append(connectionLabel(row->ends, zone));
-            addFields(text, names.interface(row->interface), row->bytesIn, row->bytesOut);
+            text.append(time).append(",").append(connectionLabel(row->ends, zoneText(row->ends.link, names)));
+            addFields(text, nameOrNone(names.interface(row->interface)), row->bytesIn, row->bytesOut);
         }
     }
     return text;

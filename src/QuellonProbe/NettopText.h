@@ -17,7 +17,7 @@ struct NettopNames {
 
 /// The answer of the role `nettop`: the header, then for each owner a row with its sums and one row for each of its
 /// connections. `rows` are ascending by owner; `time` stands at the front of each row, "HH:MM:SS.uuuuuu". An owner
-/// without a name is called "unknown".
+/// without a name is called "unknown", an interface without one "?".
 [[nodiscard]] std::string nettopText(const std::vector<ConnectionRow>& rows, std::string_view time,
                                      const NettopNames& names);
 

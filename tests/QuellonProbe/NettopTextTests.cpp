@@ -37,6 +37,29 @@ TEST(NettopText, processRowsHaveTheSumsOfTheirConnections)
                                                           "wlan0,18446744073709551000,5,\n");
 }
 
+TEST(NettopText, aConnectionNeverLooksLikeAProcess)
+{
+    const NettopNames nameless{[](std::int32_t) { return std::string_view{}; },
+                               [](std::uint32_t) { return std::string_view{}; }};
+    EXPECT_EQ(nettopText({{42, endpoints("10.0.0.2", 1, "8.8.8.8", 2), 3, 7, 8}}, "t", nameless),
+              "time,,interface,bytes_in,bytes_out,\n"
+              "t,unknown.42,,7,8,\n"
+              "t,tcp4 10.0.0.2:1<->8.8.8.8:2,?,7,8,\n");
+}
+
+TEST(NettopText, labelsOfLinksWithoutANameDiffer)
+{
+    auto first = endpoints("fe80::1", 5, "fe80::2", 6);
+    auto second = first;
+    first.link = 8;
+    second.link = 9;
+    EXPECT_EQ(nettopText({{42, first, 8, 1, 2}, {42, second, 9, 3, 4}}, "t", names),
+              "time,,interface,bytes_in,bytes_out,\n"
+              "t,my program.42,,4,6,\n"
+              "t,tcp6 fe80::1%8.5<->fe80::2%8.6,?,1,2,\n"
+              "t,tcp6 fe80::1%9.5<->fe80::2%9.6,?,3,4,\n");
+}
+
 TEST(NettopText, timeOfDayHasItsForm)
 {
     EXPECT_THAT(timeOfDay(), ::testing::MatchesRegex("[0-2][0-9]:[0-5][0-9]:[0-6][0-9]\\.[0-9]{6}"));
