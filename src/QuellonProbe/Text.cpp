@@ -4,6 +4,7 @@
 #include <arpa/inet.h>
 #include <cstddef>
 #include <cstring>
+#include <poll.h>
 #include <unistd.h>
 
 namespace quellon {
@@ -81,6 +82,9 @@ void complain(std::string_view text)
     std::string line = "quellon-probe: ";
     line += text;
     line += '\n';
+    // Nobody may be reading, and then there is no waiting.
+    pollfd waiting{STDERR_FILENO, POLLOUT, 0};
+    if (poll(&waiting, 1, 0) != 1) return;
     // A message that can't be delivered has nobody left to be told about.
     [[maybe_unused]] const auto written = write(STDERR_FILENO, line.data(), line.size());
 }

@@ -16,7 +16,8 @@ enum class Commas { kept, replaced };
 /// `address` (4 or 16 bytes, network order) in numbers, IPv6 in its shortest form; the empty text for another length.
 [[nodiscard]] std::string addressText(std::string_view address);
 
-/// Writes "quellon-probe: ", the text and a line feed on standard error, in one piece.
+/// Writes "quellon-probe: ", the text and a line feed on standard error, in one piece. Never waits: nothing is
+/// written where there is no room for it.
 void complain(std::string_view text);
 
 /// complain() with the system's words for the error number behind the text.

@@ -1,7 +1,13 @@
 #include "QuellonProbe/Text.h"
 
+#include <array>
+#include <chrono>
+#include <fcntl.h>
+#include <future>
 #include <gtest/gtest.h>
+#include <string>
 #include <string_view>
+#include <unistd.h>
 
 namespace quellon {
 namespace {
@@ -57,6 +63,25 @@ TEST(Text, addressText)
     EXPECT_EQ(addressText("\x26\x06\x47\0\0\0\0\0\0\0\0\0\0\0\x11\x11"sv), "2606:4700::1111");
     EXPECT_EQ(addressText(""sv), "");
     EXPECT_EQ(addressText("\x01\x02\x03"sv), "");
+}
+
+TEST(Text, complainDoesNotWaitForAReader)
+{
+    std::array<int, 2> ends{-1, -1};
+    ASSERT_EQ(pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK), 0);
+    const std::string filling(65'536, 'x');
+    while (write(ends[1], filling.data(), filling.size()) > 0) {}
+    ASSERT_EQ(fcntl(ends[1], F_SETFL, 0), 0);
+    const int kept = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0);
+    ASSERT_EQ(dup2(ends[1], STDERR_FILENO), STDERR_FILENO);
+    auto said = std::async(std::launch::async, [] { complain("nobody reads this"); });
+    const auto status = said.wait_for(std::chrono::seconds{10});
+    dup2(kept, STDERR_FILENO);
+    // Whoever waits for room gets it now.
+    std::string drain(1'048'576, ' ');
+    EXPECT_GT(read(ends[0], drain.data(), drain.size()), 0);
+    EXPECT_EQ(status, std::future_status::ready);
+    for (const int descriptor : {ends[0], ends[1], kept}) close(descriptor);
 }
 
 } // namespace
