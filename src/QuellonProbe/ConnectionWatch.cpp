@@ -61,14 +61,22 @@ void ConnectionWatch::subscribe()
         events_.reset();
         return;
     }
+    // What closes before the first answer is told from what stays on the machine.
+    if (open()) refreshAddresses();
+}
+
+void ConnectionWatch::refreshAddresses()
+{
+    if (const int error = addresses_.refresh(*route_)) complain("the machine's addresses can't be read", error);
 }
 
 std::optional<std::string> ConnectionWatch::answer()
 {
     if (!open()) return std::nullopt;
     readEvents();
-    if (const int error = addresses_.refresh(*route_)) complain("the machine's addresses can't be read", error);
+    refreshAddresses();
     if (!dumpAll()) return std::nullopt;
+    findInterfaces();
     dropLostOwners();
     findOwners(false);
     lastAnswer_ = now();
@@ -100,9 +108,15 @@ int ConnectionWatch::dump(std::uint8_t family)
 
 bool ConnectionWatch::dumpAll()
 {
-    if (const int error = dump(AF_INET)) return complain("sockets can't be listed", error), false;
-    // A kernel without IPv6 refuses the second one.
-    dump(AF_INET6);
+    for (const std::uint8_t family : std::array<std::uint8_t, 2>{AF_INET, AF_INET6}) {
+        const int error = dump(family);
+        const bool isMissing = error == ENOENT || error == EAFNOSUPPORT || error == EOPNOTSUPP || error == EINVAL;
+        // A kernel without IPv6 refuses that one.
+        if (error != 0 && (family == AF_INET || !isMissing)) {
+            complain("sockets can't be listed", error);
+            return false;
+        }
+    }
     return true;
 }
 
@@ -123,6 +137,14 @@ std::uint32_t ConnectionWatch::interfaceOf(const InetSocket& socket) const
 {
     const auto interface = addresses_.interface(socket.ends.local, socket.device);
     return interface != 0 ? interface : socket.device;
+}
+
+/// A connection over an address that is new since the last answer may have closed by now.
+void ConnectionWatch::findInterfaces()
+{
+    for (auto& [cookie, connection] : list_.connections()) {
+        if (connection.interface == 0) connection.interface = interfaceOf(connection.socket);
+    }
 }
 
 void ConnectionWatch::readEvents()

@@ -45,6 +45,8 @@ private:
     bool open();
     int dump(std::uint8_t family);
     bool dumpAll();
+    void refreshAddresses();
+    void findInterfaces();
     void readEvents();
     void see(const InetSocket& socket);
     void closed(const InetSocket& socket);

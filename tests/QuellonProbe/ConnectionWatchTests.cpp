@@ -3,6 +3,7 @@
 #include "QuellonProbe/PrivateNetwork.h"
 #include "QuellonProbe/SocketMessage.h"
 
+#include <cstdlib>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <linux/sock_diag.h>
@@ -153,6 +154,61 @@ TEST(ConnectionWatch, listsAConnectionUnderItsProcessAndInterface)
                                 seen[0].path == names.of(::getpid(), proc.stat(::getpid()).value());
             const bool isRight = answer.find(expected) != answer.npos && answer.find(owner) != answer.npos && isSeen;
             return isRight ? std::string{"right"} : answer;
+        });
+    if (run.lack) GTEST_SKIP() << *run.lack;
+    EXPECT_EQ(run.text, "right");
+}
+
+/// Sends 1,000 bytes over a connection from 198.18.0.2 to 198.18.1.5, both of which are here, and closes it. Its label.
+std::string connectAndClose()
+{
+    const auto address = [](std::uint32_t host) {
+        sockaddr_in where{};
+        where.sin_family = AF_INET;
+        where.sin_addr.s_addr = htonl(host);
+        return where;
+    };
+    auto local = address(0xc6120002);
+    auto remote = address(0xc6120105);
+    socklen_t size = sizeof local;
+    const int listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const int first = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const std::vector<char> data(1000);
+    const bool isOpen = ::bind(listener, reinterpret_cast<sockaddr*>(&remote), size) == 0 &&
+                        ::listen(listener, 1) == 0 &&
+                        ::getsockname(listener, reinterpret_cast<sockaddr*>(&remote), &size) == 0 &&
+                        ::bind(first, reinterpret_cast<sockaddr*>(&local), size) == 0 &&
+                        ::connect(first, reinterpret_cast<sockaddr*>(&remote), size) == 0 &&
+                        ::getsockname(first, reinterpret_cast<sockaddr*>(&local), &size) == 0 &&
+                        ::send(first, data.data(), data.size(), 0) == 1000;
+    const int second = isOpen ? ::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC) : -1;
+    for (const int descriptor : {first, second, listener}) ::close(descriptor);
+    return "tcp4 198.18.0.2:" + std::to_string(ntohs(local.sin_port)) +
+           "<->198.18.1.5:" + std::to_string(ntohs(remote.sin_port));
+}
+
+TEST(ConnectionWatch, connectionOverANewAddressHasItsInterfaceAlthoughItHasClosed)
+{
+    const auto run = testing::inPrivateNetwork(
+        // Addresses behind a local route are answered for, but nobody's own.
+        {"link set lo up", "route add local 198.18.1.0/24 dev lo", "link add outside type veth peer name other",
+         "link set other up", "link set outside up"},
+        [] {
+            const ProcFolder proc;
+            ProcessNames names{proc};
+            ConnectionWatch watch{proc, names};
+            watch.subscribe();
+            if (watch.descriptor() < 0) return std::string{"no news of closed connections"};
+            if (std::system("ip addr add 198.18.0.2/24 dev outside") != 0) return std::string{"no address"};
+            const auto label = connectAndClose();
+            pollfd waiting{watch.descriptor(), POLLIN, 0};
+            std::string answer;
+            while (answer.find(label) == answer.npos && ::poll(&waiting, 1, 5000) == 1) {
+                watch.readable();
+                answer += watch.answer().value_or("refused");
+            }
+            const bool isRight = answer.find(label + ",outside,") != answer.npos;
+            return isRight ? std::string{"right"} : label + "\n" + answer;
         });
     if (run.lack) GTEST_SKIP() << *run.lack;
     EXPECT_EQ(run.text, "right");
