@@ -2,6 +2,7 @@
 #include "QuellonProbe/Server.h"
 #include "QuellonProbe/Text.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
@@ -43,7 +44,9 @@ void fillStandardDescriptors()
 
 bool print(std::string_view text)
 {
-    return std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
+    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0) return true;
+    complain("the answer can't be written", errno);
+    return false;
 }
 
 int serve(Roles& roles)
