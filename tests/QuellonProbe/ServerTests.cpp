@@ -140,6 +140,27 @@ TEST(Server, endsWhenNobodyReadsTheAnswers)
     EXPECT_EQ(server.run(), 0);
 }
 
+TEST(Server, endsWhenTheReaderLeavesInTheMiddleOfAnAnswer)
+{
+    std::signal(SIGPIPE, SIG_IGN);
+    for (const int flags : {0, O_NONBLOCK}) {
+        SCOPED_TRACE(flags);
+        Pipe requests;
+        Pipe answers;
+        ASSERT_EQ(::fcntl(answers.in, F_SETFL, flags), 0);
+        requests.write("large\nlarge\n");
+        NoBackground background;
+        auto status = std::async(std::launch::async, [&] {
+            Server server{requests.out, answers.in, echo, background};
+            return server.run();
+        });
+        std::array<char, 1000> some;
+        EXPECT_GT(::read(answers.out, some.data(), some.size()), 0);
+        answers.closeOut();
+        EXPECT_EQ(status.get(), 0);
+    }
+}
+
 TEST(Server, writesToADescriptorThatDoesNotBlock)
 {
     Pipe requests;
