@@ -25,6 +25,12 @@ bool isLinkLocal(std::string_view address)
     return address.size() == 16 && address[0] == '\xFE' && (static_cast<unsigned char>(address[1]) & 0xC0U) == 0x80;
 }
 
+std::optional<std::string> refused(int error)
+{
+    complain("the route can't be read", error);
+    return std::nullopt;
+}
+
 } // namespace
 
 std::optional<std::string> RouteRole::answer(KernelNetwork& network)
@@ -32,15 +38,13 @@ std::optional<std::string> RouteRole::answer(KernelNetwork& network)
     for (const auto address : internetAddresses) {
         Route route;
         const int error = network.routeTo(address, route);
-        if (error != 0 && std::find(noWay.begin(), noWay.end(), error) == noWay.end()) {
-            complain("the route can't be read", error);
-            return std::nullopt;
-        }
+        if (error != 0 && std::find(noWay.begin(), noWay.end(), error) == noWay.end()) return refused(error);
+        if (error != 0 || !route.isUnicast) continue;
         std::array<char, IF_NAMESIZE> name{};
-        if (error != 0 || !route.isUnicast ||
-            if_indextoname(static_cast<unsigned>(route.index), name.data()) == nullptr)
-            continue;
-        return text(route, cleanName(name.data()));
+        if (if_indextoname(static_cast<unsigned>(route.index), name.data()) != nullptr)
+            return text(route, cleanName(name.data()));
+        // ENXIO: the interface has gone since.
+        if (errno != ENXIO) return refused(errno);
     }
     return std::string{};
 }

@@ -3,6 +3,7 @@
 #include "QuellonProbe/PrivateNetwork.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 namespace quellon {
 namespace {
@@ -86,6 +87,23 @@ TEST(RouteRole, followsTheKernelsChoice)
         if (run.lack) GTEST_SKIP() << *run.lack;
         EXPECT_EQ(run.text, c.expected);
     }
+}
+
+TEST(RouteRole, whatCannotBeNamedIsNotCalledOffline)
+{
+    const auto run =
+        inPrivateNetwork({"link add wlan0 type veth peer name other", "link set wlan0 up", "link set other up",
+                          "addr add 172.20.10.2/28 dev wlan0", "route add default via 172.20.10.1"},
+                         [] {
+                             auto network = KernelNetwork::open();
+                             // The name takes a socket, and there is none left.
+                             const rlimit none{0, 0};
+                             if (!network || setrlimit(RLIMIT_NOFILE, &none) != 0)
+                                 return std::string{"no socket, or no limit"};
+                             return RouteRole::answer(*network).value_or("refused");
+                         });
+    if (run.lack) GTEST_SKIP() << *run.lack;
+    EXPECT_EQ(run.text, "refused");
 }
 
 } // namespace
