@@ -1,6 +1,7 @@
 #include "Check.h"
 #include "QuellonProbe/ApplicationPath.h"
 #include "QuellonProbe/BusMessage.h"
+#include "QuellonProbe/InetSocket.h"
 #include "QuellonProbe/KernelNetwork.h"
 #include "QuellonProbe/Netlink.h"
 #include "QuellonProbe/Proc.h"
@@ -37,6 +38,10 @@ void checkBody(Bytes body)
     checkAttributes(body, 2);
     if (const auto link = KernelMessage::link(body)) FUZZ_CHECK(link->index > 0 && !link->name.empty());
     if (const auto address = KernelMessage::address(body)) FUZZ_CHECK(!addressText(address->local).empty());
+    if (const auto socket = SocketDiagnosis::parse(body)) {
+        const auto label = connectionLabel(socket->ends, "wlan0");
+        FUZZ_CHECK(fuzz::contains(label, "<->") && label.find_first_of(",\n") == label.npos);
+    }
     if (const auto route = KernelMessage::route(body)) {
         FUZZ_CHECK(route->gateway.empty() || !addressText(route->gateway).empty());
         FUZZ_CHECK(fuzz::contains(RouteRole::text(*route, "wlan0"), "\n  interface: wlan0\n"));
