@@ -81,13 +81,14 @@ auto labelOf(const ConnectionRow& row)
     return std::tie(row.owner, row.ends);
 }
 
-/// Adds up neighbours with the same label; the interface is that of the first.
+/// Adds up neighbours with the same label; the interface is the first that is known.
 void mergeEqualLabels(std::vector<ConnectionRow>& rows)
 {
     auto last = rows.begin();
     for (auto row = rows.begin(); row != rows.end(); ++row) {
         if (row == last) continue;
         if (labelOf(*row) == labelOf(*last)) {
+            if (last->interface == 0) last->interface = row->interface;
             last->bytesIn += row->bytesIn;
             last->bytesOut += row->bytesOut;
         } else {

@@ -159,6 +159,15 @@ TEST(ConnectionList, closedConnectionsThatOnlyALookHasShownCountToo)
     EXPECT_TRUE(list.connections().at(1).isClosed) << "what an answer has listed keeps its last counters";
 }
 
+TEST(ConnectionList, oneLabelHasTheInterfaceThatIsKnown)
+{
+    for (const std::uint64_t known : {1U, 2U}) {
+        ConnectionList list;
+        for (const std::uint64_t cookie : {1U, 2U}) list.see(socket(cookie, 5, 6), cookie == known ? wlan : 0);
+        EXPECT_THAT(list.answer(0), ElementsAre(row(0, 10, 12))) << known;
+    }
+}
+
 TEST(ConnectionList, interfaceOnceKnownStays)
 {
     ConnectionList list;
