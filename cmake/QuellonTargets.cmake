@@ -18,7 +18,8 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conver
                     -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # GCC 12 sees dangling and out-of-bounds accesses in the standard library's own inlined string code.
-  add_compile_options(-Wno-restrict -Wno-stringop-overread -Wno-array-bounds -Wno-maybe-uninitialized)
+  add_compile_options(-Wno-restrict -Wno-stringop-overflow -Wno-stringop-overread -Wno-array-bounds
+                      -Wno-maybe-uninitialized)
 endif()
 if(QUELLON_SANITIZE)
   add_compile_options(-fsanitize=${QUELLON_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
