@@ -118,6 +118,11 @@ def second_save():
     wait_until(lambda: len(buckets()) > 1, "the ledger's second save")
 
 
+def rounds_told() -> int:
+    """How many rounds the guard has printed a table for."""
+    return guard_output().count("Guarding · ")
+
+
 def probe_of(process: subprocess.Popen, unlike: int = 0) -> int:
     """The process id of the guard's resident helper; 0: there is none other than `unlike`."""
     with open(f"/proc/{process.pid}/task/{process.pid}/children", encoding="ascii") as file:
@@ -177,7 +182,10 @@ def probe_killed(folder: str) -> dict:
             first = wait_until(lambda: probe_of(process), "the helper")
             os.kill(first, signal.SIGSTOP)
             wait_until(lambda: unread(first) > 0, "a request to the stopped helper")
+            rounds = rounds_told()
             os.kill(first, signal.SIGKILL)
+            # Once the round is over, the new helper has nothing to answer until the next one.
+            wait_until(lambda: rounds_told() > rounds, "the end of the round")
             second = wait_until(lambda: probe_of(process, first), "a new helper")
             os.kill(second, signal.SIGKILL)
             third = wait_until(lambda: probe_of(process, second), "another helper")
