@@ -13,13 +13,21 @@ namespace {
 constexpr std::size_t header = alignof(std::max_align_t);
 std::atomic<std::size_t> live{0};
 
-void* allocate(std::size_t size)
+/// Null when there is no memory.
+void* tryAllocate(std::size_t size) noexcept
 {
     void* const block = std::malloc(size + header);
-    if (block == nullptr) throw std::bad_alloc{};
+    if (block == nullptr) return nullptr;
     *static_cast<std::size_t*>(block) = size;
     live += size;
     return static_cast<char*>(block) + header;
+}
+
+void* allocate(std::size_t size)
+{
+    void* const memory = tryAllocate(size);
+    if (memory == nullptr) throw std::bad_alloc{};
+    return memory;
 }
 
 void release(void* memory)
@@ -58,6 +66,23 @@ void operator delete(void* memory, std::size_t) noexcept
     release(memory);
 }
 void operator delete[](void* memory, std::size_t) noexcept
+{
+    release(memory);
+}
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    return tryAllocate(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
+{
+    return tryAllocate(size);
+}
+void operator delete(void* memory, const std::nothrow_t&) noexcept
+{
+    release(memory);
+}
+void operator delete[](void* memory, const std::nothrow_t&) noexcept
 {
     release(memory);
 }

@@ -48,6 +48,14 @@ struct EngineWorld {
         host.tool(ToolRole::nettop).prints(trafficText(interface, in, out));
     }
 
+    /// The first two rounds of an engine that has just started: the baseline, then one in which 1,000 bytes have come.
+    void playTwoRounds()
+    {
+        host.advance(0s);
+        moves(2'000, 10);
+        host.advance(5s);
+    }
+
     static std::string trafficText(std::string_view interface, std::uint64_t in, std::uint64_t out)
     {
         return fmt::format("time,,interface,bytes_in,bytes_out,\n"

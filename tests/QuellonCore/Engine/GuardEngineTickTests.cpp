@@ -231,9 +231,7 @@ TEST(Tick, anotherMeteredInterfaceEmptiesTheLedgerAndIsTold)
 {
     EngineWorld world;
     GuardEngine engine{world.host};
-    world.host.advance(0s);
-    world.moves(2'000, 10);
-    world.host.advance(5s);
+    world.playTwoRounds();
     ASSERT_EQ(engine.usage().size(), 1U);
     world.joinHotspot("en5");
     world.moves(8'000, 10, "en5");
@@ -260,9 +258,7 @@ TEST(Tick, goingOfflineLogsNothingButEmptiesTheLedger)
 {
     EngineWorld world;
     GuardEngine engine{world.host};
-    world.host.advance(0s);
-    world.moves(2'000, 10);
-    world.host.advance(5s);
+    world.playTwoRounds();
     const std::size_t logged = engine.events().size();
     world.goOffline();
     world.host.advance(5s);
@@ -275,9 +271,7 @@ TEST(Tick, aFailedRouteLookupEmptiesTheInterfaceAndAgainOnItsReturn)
 {
     EngineWorld world;
     GuardEngine engine{world.host};
-    world.host.advance(0s);
-    world.moves(2'000, 10);
-    world.host.advance(5s);
+    world.playTwoRounds();
     ASSERT_EQ(engine.usage().size(), 1U);
     world.host.tool(ToolRole::route).fails();
     world.host.advance(5s);
@@ -295,9 +289,7 @@ TEST(Tick, leavingTheHotspotDropsTheBaselineAndStillShowsTheWindow)
 {
     EngineWorld world;
     GuardEngine engine{world.host};
-    world.host.advance(0s);
-    world.moves(2'000, 10);
-    world.host.advance(5s);
+    world.playTwoRounds();
     world.goHome(); // the same interface: the ledger stays
     world.host.advance(5s);
     ASSERT_EQ(engine.usage().size(), 1U);
