@@ -158,8 +158,8 @@ TEST_F(PlainViewTest, whatWaitsHasALimit)
 {
     openView();
     engine.start();
-    for (int i = 0; i < 400; ++i) {
-        engine.append(GuardEvent::Kind::info, std::string(4'000, 'x'));
+    for (int i = 0; i < 80; ++i) {
+        engine.append(GuardEvent::Kind::info, std::string(20'000, 'x'));
         world.host.advance(0s);
     }
     std::string text;
