@@ -2,6 +2,9 @@
 
 #include "QuellonCore/Support/Time.h"
 
+#include <compare>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -11,7 +14,17 @@ class time_zone;
 
 namespace quellon {
 
-/// The questions to a moment that need a time zone. A small value; the zones live as long as the process.
+/// A day of the local calendar.
+struct CalendarDay {
+    int year = 0;
+    int month = 0; ///< 1 to 12.
+    int day = 0;   ///< 1 to 31.
+    auto operator<=>(const CalendarDay&) const = default;
+};
+
+/// The questions to a moment that need a time zone. A small value; the zones live as long as the process. The years 1
+/// to 9999 are told apart, what lies beyond them is held at their edge; a date that is no number counts as 1970-01-01
+/// 00:00:00 UTC.
 class Calendar {
 public:
     /// The calendar of UTC.
@@ -20,9 +33,38 @@ public:
     /// The calendar of the zone with this IANA name, such as "Europe/Berlin". UTC when the system does not know it.
     explicit Calendar(const std::string& zoneName);
 
-    /// The time of day as "HH:MM:SS", the fraction of a second dropped. The years 1 to 9999 are told apart, what lies
-    /// beyond them is not; a date that is no number reads "00:00:00".
+    /// The local day that `date` lies in.
+    [[nodiscard]] CalendarDay day(Date date) const;
+
+    /// The moment of a local day and time of day. A time that the clock skips gives the first moment behind the gap
+    /// that it lies in, so a midnight that does not exist is the first moment of its day, and a day that a zone left
+    /// out is the first moment of the next one; of a time that occurs twice the first. Absent when there is no such
+    /// day in any year, such as 30 February, or the year is not in 1 to 9999.
+    [[nodiscard]] std::optional<Date> moment(CalendarDay day, Seconds timeOfDay = Seconds{0.0}) const;
+
+    /// The first moment of the local day that `date` lies in.
+    [[nodiscard]] Date startOfDay(Date date) const;
+
+    /// The same local time of day so many days later (earlier when negative), with the fraction of its second. Absent
+    /// beyond the years 1 to 9999.
+    [[nodiscard]] std::optional<Date> addingDays(Date date, std::int64_t days) const;
+
+    /// The same local day of the month and time of day so many months later; the last day of the month where that is
+    /// shorter. Absent beyond the years 1 to 9999.
+    [[nodiscard]] std::optional<Date> addingMonths(Date date, std::int64_t months) const;
+
+    /// So many seconds later. Absent beyond the years 1 to 9999.
+    [[nodiscard]] std::optional<Date> addingSeconds(Date date, std::int64_t seconds) const;
+
+    /// How many whole days lie from `from` to `to`: the largest number of days that can be added to `from` without
+    /// passing `to`. A day of 23 or 25 hours counts as one. Negative when `to` is earlier, cut towards zero.
+    [[nodiscard]] std::int64_t wholeDays(Date from, Date to) const;
+
+    /// The time of day as "HH:MM:SS", the fraction of a second dropped.
     [[nodiscard]] std::string clockTime(Date date) const;
+
+    /// The time of day as "HH:MM".
+    [[nodiscard]] std::string hourAndMinute(Date date) const;
 
 private:
     const date::time_zone* zone_ = nullptr; ///< Null for UTC.
