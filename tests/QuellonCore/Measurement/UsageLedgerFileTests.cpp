@@ -1,24 +1,16 @@
 #include "QuellonCore/Measurement/UsageLedger.h"
 #include "QuellonCore/Persistence/Persistence.h"
+#include "QuellonCore/Persistence/StateFile.h"
 
 #include "ScriptedHost.h"
 
 #include <gtest/gtest.h>
-
-#include <fstream>
-#include <sstream>
 
 namespace quellon {
 namespace {
 
 using Bucket = UsageLedger::Bucket;
 using Snapshot = UsageLedger::Snapshot;
-
-std::optional<Snapshot> decode(std::string_view text)
-{
-    const auto json = parseJson(text);
-    return json ? fromJson<Snapshot>(*json) : std::nullopt;
-}
 
 const Snapshot example{{
     {Date{Seconds{795'261'600.25}},
@@ -28,33 +20,19 @@ const Snapshot example{{
     {Date{Seconds{795'261'610.25}}, {{"Player", 4'096}}, {{"Player", {501}}}},
 }};
 
-/// The example of docs/state-files.md that is marked with this file name.
-std::string documented(const std::string& fileName)
-{
-    std::ifstream file{TEST_DATA "/../../docs/state-files.md"};
-    std::ostringstream content;
-    content << file.rdbuf();
-    const std::string text = content.str();
-    const std::string opening = "```json " + fileName + "\n";
-    const auto begin = text.find(opening);
-    if (begin == std::string::npos) return {};
-    const auto from = begin + opening.size();
-    return text.substr(from, text.find("\n```", from) - from);
-}
-
 TEST(LedgerFile, theDocumentedExampleIsWhatIsReadAndWritten)
 {
     const std::string text = documented("ledger.json");
     ASSERT_FALSE(text.empty());
-    EXPECT_EQ(decode(text), example);
+    EXPECT_EQ(decode<Snapshot>(text), example);
     EXPECT_EQ(parseJson(text), toJson(example));
 }
 
 TEST(LedgerFile, isOneCompactLine)
 {
     const Snapshot snapshot{{{Date{Seconds{0.5}}, {{"a", 1}}, {{"a", {3, 2}}}}}};
-    EXPECT_EQ(dumpJson(toJson(snapshot)), R"({"buckets":[{"at":0.5,"pids":{"a":[2,3]},"usage":{"a":1}}]})");
-    EXPECT_EQ(dumpJson(toJson(Snapshot{})), R"({"buckets":[]})");
+    EXPECT_EQ(encode(snapshot), R"({"buckets":[{"at":0.5,"pids":{"a":[2,3]},"usage":{"a":1}}]})");
+    EXPECT_EQ(encode(Snapshot{}), R"({"buckets":[]})");
 }
 
 TEST(LedgerFile, shapes)
@@ -99,7 +77,7 @@ TEST(LedgerFile, shapes)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        EXPECT_EQ(decode(c.text).has_value(), c.isRead);
+        EXPECT_EQ(decode<Snapshot>(c.text).has_value(), c.isRead);
     }
 }
 
