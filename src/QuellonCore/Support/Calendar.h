@@ -24,7 +24,7 @@ struct CalendarDay {
 
 /// The questions to a moment that need a time zone. A small value; the zones live as long as the process. The years 1
 /// to 9999 are told apart, what lies beyond them is held at their edge; a date that is no number counts as 1970-01-01
-/// 00:00:00 UTC.
+/// 00:00:00 UTC. When clocks change is what the system's database lists, which may end with the year 2037.
 class Calendar {
 public:
     /// The calendar of UTC.
@@ -36,28 +36,32 @@ public:
     /// The local day that `date` lies in.
     [[nodiscard]] CalendarDay day(Date date) const;
 
-    /// The moment of a local day and time of day. A time that the clock skips gives the first moment behind the gap
-    /// that it lies in, so a midnight that does not exist is the first moment of its day, and a day that a zone left
-    /// out is the first moment of the next one; of a time that occurs twice the first. Absent when there is no such
-    /// day in any year, such as 30 February, or the year is not in 1 to 9999.
+    /// The moment when the local clock first shows this day and time of day, or a later one. So a time that the clock
+    /// skips gives the first moment behind the gap, a midnight that does not exist the first moment of its day, a day
+    /// that a zone left out the first moment of the next one; and of a time that occurs twice the first counts. Absent
+    /// when there is no such day in any year, such as 30 February, the year is not in 1 to 9999, or the time is not
+    /// from 0 to below 24 hours.
     [[nodiscard]] std::optional<Date> moment(CalendarDay day, Seconds timeOfDay = Seconds{0.0}) const;
 
     /// The first moment of the local day that `date` lies in.
     [[nodiscard]] Date startOfDay(Date date) const;
 
-    /// The same local time of day so many days later (earlier when negative), with the fraction of its second. Absent
-    /// beyond the years 1 to 9999.
+    /// The same local time of day so many days later (earlier when negative), with the fraction of its second; where
+    /// that does not exist or occurs twice, as `moment` says. No days give `date` itself. Absent beyond the years 1 to
+    /// 9999.
     [[nodiscard]] std::optional<Date> addingDays(Date date, std::int64_t days) const;
 
     /// The same local day of the month and time of day so many months later; the last day of the month where that is
-    /// shorter. Absent beyond the years 1 to 9999.
+    /// shorter. Otherwise as `addingDays`.
     [[nodiscard]] std::optional<Date> addingMonths(Date date, std::int64_t months) const;
 
     /// So many seconds later. Absent beyond the years 1 to 9999.
     [[nodiscard]] std::optional<Date> addingSeconds(Date date, std::int64_t seconds) const;
 
-    /// How many whole days lie from `from` to `to`: the largest number of days that can be added to `from` without
-    /// passing `to`. A day of 23 or 25 hours counts as one. Negative when `to` is earlier, cut towards zero.
+    /// How many whole days lie from `from` to `to`, by their local days and times of day: 2 from any time of the third
+    /// to the same time of the fifth, and one less a second before, however long the clock made the days between. The
+    /// first moment of a day counts as its midnight, also where the clock skips that. Negative when `to` is earlier,
+    /// cut towards zero.
     [[nodiscard]] std::int64_t wholeDays(Date from, Date to) const;
 
     /// The time of day as "HH:MM:SS", the fraction of a second dropped.
