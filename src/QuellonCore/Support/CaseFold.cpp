@@ -1,0 +1,75 @@
+#include "QuellonCore/Support/CaseFold.h"
+
+#include <utf8proc.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace quellon {
+
+namespace {
+
+constexpr bool isAscii(char c)
+{
+    return static_cast<unsigned char>(c) < 0x80;
+}
+
+constexpr char foldedAscii(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+void appendUtf8(std::string& text, utf8proc_int32_t codePoint)
+{
+    std::array<utf8proc_uint8_t, 4> bytes{};
+    const auto length = static_cast<std::size_t>(utf8proc_encode_char(codePoint, bytes.data()));
+    for (std::size_t i = 0; i < length; ++i) text.push_back(static_cast<char>(bytes[i]));
+}
+
+void appendFolded(std::string& text, utf8proc_int32_t codePoint)
+{
+    std::array<utf8proc_int32_t, 8> folded{}; // a code point folds to at most three
+    int boundClass = 0;
+    const auto length = utf8proc_decompose_char(codePoint, folded.data(), static_cast<utf8proc_ssize_t>(folded.size()),
+                                                UTF8PROC_CASEFOLD, &boundClass);
+    for (std::size_t i = 0; i < static_cast<std::size_t>(std::max<utf8proc_ssize_t>(length, 0)); ++i) {
+        appendUtf8(text, folded.at(i));
+    }
+}
+
+} // namespace
+
+std::string caseFolded(std::string_view text)
+{
+    std::string result;
+    result.reserve(text.size());
+    while (!text.empty()) {
+        if (isAscii(text.front())) {
+            result.push_back(foldedAscii(text.front()));
+            text.remove_prefix(1);
+            continue;
+        }
+        std::array<utf8proc_uint8_t, 4> bytes{};
+        const std::size_t available = std::min(bytes.size(), text.size());
+        for (std::size_t i = 0; i < available; ++i) bytes[i] = static_cast<utf8proc_uint8_t>(text[i]);
+        utf8proc_int32_t codePoint = -1;
+        const auto length = utf8proc_iterate(bytes.data(), static_cast<utf8proc_ssize_t>(available), &codePoint);
+        if (length > 0)
+            appendFolded(result, codePoint);
+        else
+            result.push_back(text.front());
+        text.remove_prefix(length > 0 ? static_cast<std::size_t>(length) : 1);
+    }
+    return result;
+}
+
+bool equalCaseFolded(std::string_view a, std::string_view b)
+{
+    if (std::ranges::all_of(a, isAscii) && std::ranges::all_of(b, isAscii)) {
+        return std::ranges::equal(a, b, {}, foldedAscii, foldedAscii);
+    }
+    return caseFolded(a) == caseFolded(b);
+}
+
+} // namespace quellon
