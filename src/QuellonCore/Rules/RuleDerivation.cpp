@@ -47,7 +47,7 @@ std::uint64_t dailyBudgetBytes(double planGB)
 
 std::vector<GuardRule> defaultRules(double planGB, UsageProfile profile, IdentifierSource& identifiers)
 {
-    const auto* const share = std::ranges::find(shares, profile, &Shares::profile);
+    const auto share = std::ranges::find(shares, profile, &Shares::profile);
     const auto daily = static_cast<double>(dailyBudgetBytes(planGB));
     const auto rule = [&](Seconds window, double part, ActionLevel level) {
         return GuardRule{identifiers.next(), window, checkedWhole(daily * part), level};
