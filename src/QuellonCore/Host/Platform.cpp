@@ -23,7 +23,8 @@ Platform Platform::macOS()
                 {"/usr/sbin/networksetup", {"-listallhardwareports"}},
                 {"/bin/ps", {"-o", "lstart=", "-p"}},
                 {"/bin/ps", {"-o", "ppid=", "-p"}},
-            }}};
+            }},
+            ProtectionTable::macOS()};
 }
 
 Platform Platform::linux()
@@ -39,7 +40,8 @@ Platform Platform::linux()
                 {probe, {"networksetup"}},
                 {probe, {"start"}},
                 {probe, {"parent"}},
-            }}};
+            }},
+            ProtectionTable::linux()};
 }
 
 Platform Platform::current()

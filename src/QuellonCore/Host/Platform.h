@@ -1,6 +1,7 @@
 #pragma once
 
 #include "QuellonCore/Host/CommandRunner.h"
+#include "QuellonCore/Rules/ProtectionTable.h"
 
 #include <array>
 #include <string>
@@ -28,6 +29,8 @@ struct Platform {
 
     /// The command of a role, complete but for the role's own argument.
     std::array<Command, toolRoleCount> tools;
+
+    ProtectionTable protection; ///< What the guard never touches here.
 
     /// The command that answers `role`, with `arguments` appended.
     [[nodiscard]] Command tool(ToolRole role, const std::vector<std::string>& arguments = {}) const;
