@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 namespace quellon {
 
@@ -53,8 +54,15 @@ public:
     template <typename T>
     [[nodiscard]] std::optional<T> load(std::string_view name) const
     {
+        return load(name, fromJson<T>);
+    }
+    /// The same for a value that `decode` makes of the JSON, as an optional.
+    template <typename Decode>
+    [[nodiscard]] std::invoke_result_t<Decode, const Json&> load(std::string_view name, Decode decode) const
+    {
         const auto json = loadJson(name);
-        return json ? fromJson<T>(*json) : std::nullopt;
+        if (!json) return std::nullopt;
+        return decode(*json);
     }
 
     /// Removes the file, if it is there.

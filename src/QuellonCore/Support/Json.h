@@ -249,6 +249,16 @@ public:
         const Json* json = member(key);
         if (json != nullptr && !json->is_null()) take(*json, into.emplace());
     }
+    /// The same for a value that `read` makes of the JSON, as an optional, in the place of the type's codec.
+    template <typename T, typename Read>
+    void defaulted(const char* key, T& into, Read read)
+    {
+        const Json* json = member(key);
+        if (json != nullptr && !json->is_null()) assign(read(*json), into);
+    }
+
+    /// What else must hold of the record; when it does not, the record is unreadable.
+    void require(bool holds) { isReadable_ = isReadable_ && holds; }
 
     /// The record, or absent when one of its fields could not be read.
     template <typename Record>
@@ -263,7 +273,12 @@ private:
     template <typename T>
     void take(const Json& json, T& into)
     {
-        auto value = fromJson<T>(json);
+        assign(fromJson<T>(json), into);
+    }
+
+    template <typename T>
+    void assign(std::optional<T>&& value, T& into)
+    {
         if (value)
             into = std::move(*value);
         else

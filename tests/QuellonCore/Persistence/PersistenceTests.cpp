@@ -137,6 +137,25 @@ TEST(Persistence, savesAndLoads)
     EXPECT_TRUE(host.files().list().empty());
 }
 
+TEST(Persistence, loadsWhatTheReaderMakesOfAFile)
+{
+    ScriptedHost host;
+    const Persistence persistence{host.host()};
+    const auto plus = [&](std::int32_t more) {
+        return persistence.load(name, [more](const Json& json) -> std::optional<std::int32_t> {
+            const auto number = fromJson<std::int32_t>(json);
+            return number ? std::optional{*number + more} : std::nullopt;
+        });
+    };
+    EXPECT_EQ(plus(1), std::nullopt) << "no file";
+    persistence.save(std::int32_t{41}, name);
+    EXPECT_EQ(plus(1), 42);
+    persistence.save(std::string{"41"}, name);
+    EXPECT_EQ(plus(1), std::nullopt) << "refused by the reader";
+    host.files().set(persistence.directory() / name, "{");
+    EXPECT_EQ(plus(1), std::nullopt) << "no JSON";
+}
+
 TEST(Persistence, leftoverTemporaryFile)
 {
     ScriptedHost host;

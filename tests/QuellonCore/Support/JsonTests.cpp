@@ -345,6 +345,48 @@ TEST(JsonFields, readsRecords)
     }
 }
 
+/// A list of texts that share an ending, which only its reader knows; at most two of them.
+struct Ended {
+    std::vector<std::string> texts{"default"};
+    bool operator==(const Ended&) const = default;
+
+    static std::optional<Ended> fromJson(const Json& json, const std::string& ending)
+    {
+        JsonFields fields{json};
+        Ended record;
+        fields.defaulted("texts", record.texts, [&ending](const Json& value) {
+            auto texts = quellon::fromJson<std::vector<std::string>>(value);
+            if (texts) {
+                for (std::string& each : *texts) each += ending;
+            }
+            return texts;
+        });
+        fields.require(record.texts.size() <= 2);
+        return fields.result(std::move(record));
+    }
+};
+
+TEST(JsonFields, readsFieldsWithAReaderAndRequiresMore)
+{
+    struct Case {
+        const char* name;
+        std::string_view text;
+        std::optional<Ended> record;
+    };
+    const Case cases[] = {
+        {"read by the reader", R"({"texts":["a","b"]})", Ended{{"a!", "b!"}}},
+        {"a missing key", "{}", Ended{{"default"}}},
+        {"null", R"({"texts":null})", Ended{{"default"}}},
+        {"what the reader refuses", R"({"texts":["a",1]})", std::nullopt},
+        {"what is required does not hold", R"({"texts":["a","b","c"]})", std::nullopt},
+        {"a list", "[]", std::nullopt},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(Ended::fromJson(parseJson(c.text).value(), "!"), c.record);
+    }
+}
+
 TEST(JsonFields, anAbsentOptionalIsAnAbsentKey)
 {
     EXPECT_EQ(dumpJson(toJson(Record{"a", 1, {}, {}})), R"({"count":1,"more":[],"name":"a"})");
