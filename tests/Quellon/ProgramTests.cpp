@@ -77,7 +77,7 @@ TEST(Program, plainLines)
 {
     const Ending run = shell("\"$PROGRAM\" --duration 1");
     EXPECT_EQ(run.status, 0);
-    EXPECT_THAT(run.output, ContainsRegex("^[0-9:]{8} info      Quellon Pro started · 0 rules\n"));
+    EXPECT_THAT(run.output, ContainsRegex("^[0-9:]{8} info      Quellon Pro started · 2 rules\n"));
     EXPECT_THAT(run.output, Not(HasSubstr("\x1B")));
 }
 
@@ -107,7 +107,7 @@ TEST(Terminal, q)
     EXPECT_TRUE(terminal.isRestored());
     EXPECT_THAT(terminal.screen(), HasSubstr(leavesScreen));
     EXPECT_THAT(terminal.screen(), HasSubstr(showsCursor));
-    EXPECT_THAT(terminal.screen(), HasSubstr("Quellon Pro started · 0 rules"));
+    EXPECT_THAT(terminal.screen(), HasSubstr("Quellon Pro started · 2 rules"));
 }
 
 TEST(Terminal, controlC)
@@ -189,7 +189,7 @@ TEST(Terminal, theCharacterSetIsUtf8Anyway)
 {
     ChildTerminal terminal{{{"--terminal", "--duration", "0.5"}, {{"LANG", "C"}, {"LC_ALL", "POSIX"}}}};
     EXPECT_EQ(terminal.wait(), 0);
-    EXPECT_THAT(terminal.screen(), HasSubstr("Quellon Pro started · 0 rules"));
+    EXPECT_THAT(terminal.screen(), HasSubstr("Quellon Pro started · 2 rules"));
 }
 
 TEST(Terminal, aDisplayThatCanNotBeReached)

@@ -86,7 +86,7 @@ TEST_F(PlainViewTest, aMinuteOnAHotspot)
 {
     engine.start();
     openView();
-    EXPECT_EQ(pipe.read(), "10:00:00 info      Quellon Pro started · 0 rules\n");
+    EXPECT_EQ(pipe.read(), "10:00:00 info      Quellon Pro started · 2 rules\n");
     world.host.advance(0s);
     EXPECT_EQ(pipe.read(), "10:00:00 info      📶 en0 · gateway 172.20.10.1 (hotspot range)\n"
                            "10:00:00 Guarding · en0 · gateway 172.20.10.1 (hotspot range) · Wi-Fi ↓ 0.0 MB  ↑ 0.0 MB\n"

@@ -31,11 +31,23 @@ GuardEngine::GuardEngine(Host host, Options options)
       interfaceNames_(InterfaceNames::current(host_)),
       capabilities_(options.capabilities ? *options.capabilities
                                          : Capabilities::detect(AppEdition::pro, host_.processes)),
-      settings_(options.settings),
-      ledger_(settings_.requiredRetention(), settings_.sampleInterval, settings_.direction)
+      ledger_(GuardSettings::leastRetention, settings_.sampleInterval, settings_.direction)
 {
+    auto stored = persistence_.load(Persistence::settingsFile, [this](const Json& json) {
+        return GuardSettings::fromJson(json, host_.identifiers);
+    });
+    // Who has a file is past the first run, also when the file is older than the first-run flow.
+    const bool isPromoted = stored && !stored->onboarded;
+    settings_ = stored ? *std::move(stored) : GuardSettings::defaults(host_.identifiers);
+    if (isPromoted) settings_.onboarded = true;
+    setUpLedger();
     if (auto saved = persistence_.load<UsageLedger::Snapshot>(Persistence::ledgerFile)) {
         ledger_.restore(std::move(saved->buckets), host_.clock.now());
+    }
+    if (isPromoted) persistence_.save(settings_, Persistence::settingsFile);
+    if (settings_.migratedFromLegacyPlan) {
+        settings_.migratedFromLegacyPlan = false;
+        applySettings();
     }
     if (options.autoStart) start();
 }
@@ -74,7 +86,8 @@ void GuardEngine::restartTimer()
 {
     timer_.reset();
     const bool idle = !status_.isMetered && settings_.meteredOnly;
-    timer_ = host_.runLoop.every(idle ? idleInterval : settings_.sampleInterval,
+    // No settings of a file may set the timer spinning.
+    timer_ = host_.runLoop.every(idle ? idleInterval : std::max(shortestInterval, settings_.sampleInterval),
                                  [this] { host_.runLoop.post(whileAlive([this] { tick(); })); });
 }
 
@@ -97,11 +110,17 @@ void GuardEngine::setSettings(const GuardSettings& settings)
     changed();
 }
 
-void GuardEngine::applySettings()
+void GuardEngine::setUpLedger()
 {
     ledger_.setRetention(settings_.requiredRetention(), host_.clock.now());
     ledger_.setSampleInterval(settings_.sampleInterval);
     ledger_.direction = settings_.direction;
+}
+
+void GuardEngine::applySettings()
+{
+    setUpLedger();
+    persistence_.save(settings_, Persistence::settingsFile);
     if (isRunning_) restartTimer();
 }
 

@@ -31,7 +31,6 @@ public:
     struct Options {
         std::optional<Capabilities> capabilities; ///< Absent: detected from the environment for the `pro` edition.
         bool autoStart = true;                    ///< Whether construction ends with `start`.
-        GuardSettings settings;
     };
 
     /// Everything a tick needs of the world, gathered on a background thread.
@@ -66,11 +65,14 @@ public:
     static constexpr std::size_t eventCapacity = 200;
     /// The timer's interval while a metered-only guard is off a metered network.
     static constexpr Seconds idleInterval{30.0};
+    /// The timer's least interval, whatever the settings say.
+    static constexpr Seconds shortestInterval{1.0};
     /// The least time between two rounds of `persist` by ticks.
     static constexpr Seconds persistInterval{30.0};
 
     /// Reads the state files and the names of the interfaces (blocking for at most four seconds), and starts when
-    /// `options.autoStart` is set. No unreadable file stops it.
+    /// `options.autoStart` is set. A file that is missing or unreadable gives the defaults. Settings of an older layout
+    /// are written anew.
     GuardEngine(Host host, Options options);
     explicit GuardEngine(Host host) : GuardEngine(std::move(host), Options{}) {}
     ~GuardEngine();
@@ -89,7 +91,8 @@ public:
     void persist();
     /// Adds a line to the front of the activity log and drops what is beyond `eventCapacity`.
     void append(GuardEvent::Kind kind, std::string message);
-    /// Replaces the settings, which take effect at once, whether or not a value changed.
+    /// Replaces the settings, which take effect at once and are saved, whether or not a value changed. They must have
+    /// a plan.
     void setSettings(const GuardSettings& settings);
 
     /// Gathers the inputs of a tick. Blocks for as long as the tools take, reads no engine state; any thread.
@@ -124,6 +127,7 @@ public:
 private:
     void restartTimer();
     void changed();
+    void setUpLedger();
     void applySettings();
     void applyInterfaceChange();
     void applySample(const TickInputs& inputs, Date now);

@@ -7,6 +7,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace quellon {
@@ -16,7 +17,9 @@ using namespace std::chrono_literals;
 /// A scripted machine on a phone's hotspot, with one application that moves bytes.
 struct EngineWorld {
     ScriptedHost host;
-    const std::filesystem::path ledgerFile = Persistence{host.host()}.directory() / Persistence::ledgerFile;
+    const std::filesystem::path stateFolder = Persistence{host.host()}.directory();
+    const std::filesystem::path ledgerFile = stateFolder / Persistence::ledgerFile;
+    const std::filesystem::path settingsFile = stateFolder / Persistence::settingsFile;
 
     EngineWorld()
     {
@@ -37,6 +40,8 @@ struct EngineWorld {
     {
         host.tool(ToolRole::route).prints(fmt::format("    gateway: 192.168.1.1\n  interface: {}\n", interface));
     }
+    /// What the next engine finds as settings.
+    void storeSettings(std::string json) { host.files().set(settingsFile, std::move(json)); }
     /// What the ledger's file holds; absent when there is none.
     [[nodiscard]] std::optional<std::string> savedLedger() { return host.files().get(ledgerFile); }
 
@@ -70,7 +75,7 @@ struct EngineWorld {
                            interface, in, out);
     }
 
-    GuardEngine::Options stopped() const { return {.capabilities = {}, .autoStart = false, .settings = {}}; }
+    GuardEngine::Options stopped() const { return {.capabilities = {}, .autoStart = false}; }
 };
 
 /// The messages of the activity log, oldest first.

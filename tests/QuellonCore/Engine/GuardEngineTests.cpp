@@ -9,7 +9,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr std::string_view joined = "📶 en0 · gateway 172.20.10.1 (hotspot range)";
-constexpr std::string_view started = "Quellon Pro started · 0 rules";
+constexpr std::string_view started = "Quellon Pro started · 2 rules";
 
 TEST(GuardEngine, fieldsAtConstruction)
 {

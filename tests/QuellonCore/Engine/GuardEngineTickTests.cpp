@@ -57,9 +57,8 @@ TEST(Tick, aGuardForAllNetworksSamplesAtHomeToo)
 {
     EngineWorld world;
     world.goHome();
-    GuardEngine::Options options;
-    options.settings.meteredOnly = false;
-    GuardEngine engine{world.host, options};
+    world.storeSettings(R"({"meteredOnly":false})");
+    GuardEngine engine{world.host};
     world.host.advance(0s);
     EXPECT_THAT(toolNames(world.host), ElementsAre("networksetup", "route", "ifconfig", "nettop", "ps"));
     world.moves(1'500, 10);
@@ -100,10 +99,9 @@ TEST(Tick, aChangeOfTheVerdictOnTheSameInterfaceKeepsTheTimer)
 TEST(Tick, slowSampleIsSkippedNotStacked)
 {
     EngineWorld world;
-    GuardEngine::Options options;
-    options.settings.meteredOnly = false; // so that the first timer is the 5-second one
+    world.storeSettings(R"({"meteredOnly":false})"); // so that the first timer is the 5-second one
     world.host.tool(ToolRole::nettop).takes(12s).prints(EngineWorld::trafficText("en0", 1, 1));
-    GuardEngine engine{world.host, options};
+    GuardEngine engine{world.host};
     world.host.advance(11s); // the fires at 5 and 10 s meet the first round still running
     EXPECT_EQ(engine.sampling().skippedTicks, 2);
     EXPECT_EQ(engine.sampling().lastSkippedAt, world.host.now() - 1s);
@@ -126,7 +124,7 @@ TEST(Tick, aHangingSamplerIsToldAndTheRoundGoesOn)
     world.host.advance(20s);
     EXPECT_EQ(engine.sampling().completedTicks, 1);
     EXPECT_EQ(engine.lastSampleFailureAt(), world.host.now());
-    EXPECT_THAT(messages(engine), ElementsAre("Quellon Pro started · 0 rules", "nettop 超时未返回，本轮采样已跳过",
+    EXPECT_THAT(messages(engine), ElementsAre("Quellon Pro started · 2 rules", "nettop 超时未返回，本轮采样已跳过",
                                               "📶 en0 · gateway 172.20.10.1 (hotspot range)"));
     EXPECT_THAT(lines(world.host, "sampling", LogLevel::error),
                 ElementsAre("per-app sample unavailable — ledger gets no data this round"));
@@ -141,7 +139,7 @@ TEST(Tick, everyTimeOutOfARoundIsToldInItsOrderBeforeTheInterface)
     for (const ToolRole role : {ToolRole::netstat, ToolRole::nettop, ToolRole::ps}) world.host.tool(role).timesOut();
     GuardEngine engine{world.host};
     world.host.advance(28s);
-    EXPECT_THAT(messages(engine), ElementsAre("Quellon Pro started · 0 rules", "netstat 超时未返回，本轮采样已跳过",
+    EXPECT_THAT(messages(engine), ElementsAre("Quellon Pro started · 2 rules", "netstat 超时未返回，本轮采样已跳过",
                                               "nettop 超时未返回，本轮采样已跳过", "ps 超时未返回，本轮采样已跳过",
                                               "📶 en0 · gateway 172.20.10.1 (hotspot range)"));
     for (std::size_t i = 1; i <= 3; ++i) EXPECT_EQ(engine.events()[i].kind, GuardEvent::Kind::warning);
@@ -155,7 +153,7 @@ TEST(Tick, aTimeOutInARoundWithoutASampleIsToldByThatRound)
     world.host.tool(ToolRole::ifconfig).timesOut();
     GuardEngine engine{world.host};
     world.host.advance(4s);
-    EXPECT_THAT(messages(engine), ElementsAre("Quellon Pro started · 0 rules", "ifconfig 超时未返回，本轮采样已跳过",
+    EXPECT_THAT(messages(engine), ElementsAre("Quellon Pro started · 2 rules", "ifconfig 超时未返回，本轮采样已跳过",
                                               "🏠 en0 · gateway 192.168.1.1 · not metered"));
     EXPECT_EQ(engine.lastSampleFailureAt(), std::nullopt) << "no sample was asked for";
     EXPECT_THAT(lines(world.host, "sampling", LogLevel::error), IsEmpty());

@@ -178,7 +178,7 @@ TEST_F(OverviewModelTest, log)
     EXPECT_EQ(shown.log.front().kind, GuardEvent::Kind::warning);
     EXPECT_EQ(shown.log.front().time, "10:00:00");
     EXPECT_EQ(shown.log.front().message, "one�two");
-    EXPECT_EQ(shown.log.back().message, "Quellon Pro started · 0 rules");
+    EXPECT_EQ(shown.log.back().message, "Quellon Pro started · 2 rules");
     for (int i = 0; i < 300; ++i) engine.append(GuardEvent::Kind::info, std::to_string(i));
     EXPECT_THAT(model().log, SizeIs(200));
     EXPECT_EQ(model().log.front().message, "299");
