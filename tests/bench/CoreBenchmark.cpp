@@ -5,7 +5,6 @@
 #include "QuellonCore/Measurement/NettopParser.h"
 #include "QuellonCore/Measurement/ProcessTable.h"
 #include "QuellonCore/Measurement/UsageLedger.h"
-#include "QuellonCore/Settings/GuardSettings.h"
 #include "fuzz/NaiveNettop.h"
 
 #include <benchmark/benchmark.h>
@@ -108,19 +107,21 @@ BENCHMARK(appLabel);
 /// All that the main thread does with a sample, with an hour of samples in the ledger.
 void wholeSample(benchmark::State& state)
 {
-    const GuardSettings settings;
-    UsageLedger ledger{settings.requiredRetention(), settings.sampleInterval, settings.direction};
+    constexpr Seconds retention{3'600.0};
+    constexpr Seconds interval{5.0};
+    constexpr Seconds shownWindow{60.0};
+    UsageLedger ledger{retention, interval, CountDirection::both};
     const std::string ps = psText();
     int moment = 0;
     std::string nettop;
     const auto take = [&] {
-        const Date now{moment * settings.sampleInterval};
+        const Date now{moment * interval};
         const auto table = ProcessTable::parse(ps);
         ledger.ingest(NettopParser::parse(nettop, "en0"), now, [&table](std::int32_t pid) { return table.find(pid); });
-        return ledger.totals(settings.primaryWindow(), now);
+        return ledger.totals(shownWindow, now);
     };
     const auto advance = [&] { nettop = nettopText(++moment); };
-    const int hour = static_cast<int>(settings.requiredRetention() / settings.sampleInterval);
+    const int hour = static_cast<int>(retention / interval);
     while (moment < hour) {
         advance();
         benchmark::DoNotOptimize(take());
