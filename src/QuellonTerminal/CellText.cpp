@@ -17,7 +17,7 @@ struct Cell {
 
 bool isInvisible(char32_t c)
 {
-    return c == 0x00AD || c == 0x034F || (c >= 0x200B && c <= 0x200F) || (c >= 0x202A && c <= 0x202E) ||
+    return c == 0x00AD || c == 0x034F || c == 0x061C || (c >= 0x200B && c <= 0x200F) || (c >= 0x202A && c <= 0x202E) ||
            (c >= 0x2060 && c <= 0x206F) || (c >= 0xFE00 && c <= 0xFE0F) || c == 0xFEFF ||
            (c >= 0xE0000 && c <= 0xE0FFF);
 }

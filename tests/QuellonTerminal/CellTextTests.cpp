@@ -60,7 +60,7 @@ TEST_F(CellTextTest, cut)
         {"a wide character is not halved", "超时未", 4, "超…"},
         {"a wide character at the border", "超时未", 5, "超时…"},
         {"controls never come out", "a\tb\x1B\x9Bz", 9, "a?b??z"},
-        {"invisible signs never come out", "a\u200Eb\u202Ec", 9, "abc"},
+        {"invisible signs never come out", "a\u200Eb\u202Ec\u061C", 9, "abc"},
         {"damaged text", "a\xFFz", 9, "a?z"},
     };
     for (const auto& c : cases) {

@@ -13,8 +13,9 @@ bool isPlain(char32_t c)
 {
     const bool control = c < 0x20 || (c >= 0x7F && c < 0xA0);
     const bool separator = c == 0x2028 || c == 0x2029;
-    const bool direction =
-        c == 0x061C || c == 0x200E || c == 0x200F || (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
+    // What acts beyond its place, up to the end of the line. The marks of direction (U+061C, U+200E, U+200F) do no more
+    // than a letter of such a script, and stand in ordinary names.
+    const bool direction = (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
     return !control && !separator && !direction;
 }
 

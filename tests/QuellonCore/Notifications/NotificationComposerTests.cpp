@@ -288,5 +288,16 @@ TEST(NotificationComposer, textsAreFitForALineAndLabelsStay)
     EXPECT_EQ(merged.apps, std::vector<std::string>{label});
 }
 
+TEST(NotificationComposer, ordinaryLabelsStandInTitlesAsTheyAre)
+{
+    for (const std::string label : {"网易云音乐", "Déjà Vu", "De\u0301ja\u0300 Vu", "דפדפן", "المتصفح",
+                                    "\u200EChat\u200F", "👩\u200D💻 Code", " Google  Chrome ", "{} %s"}) {
+        SCOPED_TRACE(label);
+        EXPECT_EQ(NotificationComposer::plan(breach(label.c_str(), mega), noBudget).title,
+                  label + " is using a lot of data");
+        EXPECT_EQ(NotificationComposer::mergedPlan({breach(label.c_str(), mega)}, noBudget).body, label + " 1.0 MB");
+    }
+}
+
 } // namespace
 } // namespace quellon

@@ -28,6 +28,9 @@ TEST(PlainText, plainText)
         {"a control character of two bytes", "a\u009Bb", "a�b"},
         {"the first character that is no control", "a\u00A0b", "a\u00A0b"},
         {"text turned around", "a\u202Eexe.b\u2066c", "a�exe.b�c"},
+        {"what turns text is replaced, to the last", "\u202A\u202B\u202C\u202D\u202E \u2066\u2067\u2068\u2069",
+         "����� ����"},
+        {"a mark of direction stays", "\u200EChat \u200Fאב\u061C", "\u200EChat \u200Fאב\u061C"},
         {"line and paragraph separators", "a\u2028b\u2029", "a�b�"},
         {"a stray byte of a sequence", "a\x80z", "a�z"},
         {"an overlong slash", "\xC0\xAF", "��"},
@@ -44,6 +47,39 @@ TEST(PlainText, plainText)
         SCOPED_TRACE(c.name);
         EXPECT_EQ(plainText(c.text), c.expected);
         EXPECT_EQ(plainText(plainText(c.text)), c.expected) << "a second time changes nothing";
+    }
+}
+
+TEST(PlainText, ordinaryNamesStay)
+{
+    struct Case {
+        const char* name;
+        std::string_view text;
+    };
+    constexpr Case cases[] = {
+        {"Chinese", "网易云音乐"},
+        {"Chinese with full-width blanks and brackets", "微信　（测试版）"},
+        {"Japanese and Korean", "メモ帳 카카오톡"},
+        {"accents", "Déjà Vu – Ångström"},
+        {"accents that stand apart", "De\u0301ja\u0300 Vu"},
+        {"Hebrew", "דפדפן אש"},
+        {"Arabic", "المتصفح ١٢٣"},
+        {"Persian with a joiner that parts", "می\u200Cخواهم"},
+        {"a Latin name behind a mark of direction", "\u200EChat"},
+        {"Devanagari with a joiner", "क्\u200Dष"},
+        {"Thai", "เว็บเบราว์เซอร์"},
+        {"emoji with skin and selector", "👍🏽 ❤\uFE0F"},
+        {"an emoji of several people", "👨\u200D👩\u200D👧"},
+        {"a flag by letters", "🇺🇦"},
+        {"a flag by tags", "🏴\U000E0067\U000E0062\U000E0077\U000E006C\U000E0073\U000E007F"},
+        {"blanks around and within", "  Some  App\u00A0\u2009\u3000 "},
+        {"a soft hyphen and a byte order mark", "Some\u00ADApp\uFEFF"},
+        {"of the private planes", "\uF8FF Music \U000F0000"},
+        {"signs", "C++ <b>&amp; %s {} \\n \"' · ≥"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(plainText(c.text), c.text);
     }
 }
 
