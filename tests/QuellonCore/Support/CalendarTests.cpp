@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <iterator>
 #include <limits>
 #include <optional>
 #include <random>
