@@ -78,7 +78,9 @@ TEST(RuleDerivation, defaultRules)
         {"light", 30.0, UsageProfile::light, 32'212'254, 268'435'456},
         {"developer", 30.0, UsageProfile::developer, 48'318'382, 375'809'638},
         {"heavy", 30.0, UsageProfile::heavy, 85'899'345, 536'870'912},
-        {"the daily budget is cut to bytes before it is shared out", 1.0, UsageProfile::heavy, 2'863'311, 17'895'697},
+        {"a gigabyte", 1.0, UsageProfile::heavy, 2'863'311, 17'895'697},
+        {"the daily budget is cut to bytes before it is shared out", 14.0, UsageProfile::developer, 22'548'578,
+         175'377'830}, // 35 % of 501,079,517.87 would be ...831
         {"no plan", 0.0, UsageProfile::developer, 0, 0},
     };
     for (const auto& c : cases) {
