@@ -65,10 +65,9 @@ void Persistence::saveText(std::string_view name, const std::function<std::optio
     static_cast<void>(files_.replace(temporary, directory_ / name));
 }
 
-std::optional<Json> Persistence::loadJson(std::string_view name) const
+std::optional<std::string> Persistence::loadText(std::string_view name) const
 {
-    const auto text = files_.read(directory_ / name);
-    return text ? parseJson(*text) : std::nullopt;
+    return files_.read(directory_ / name);
 }
 
 void Persistence::remove(std::string_view name) const

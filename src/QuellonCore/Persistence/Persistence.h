@@ -47,20 +47,22 @@ public:
     template <typename T>
     void save(const T& value, std::string_view name) const
     {
-        saveText(name, [&value] { return dumpJson(toJson(value)); });
+        saveText(name, [&value] { return encodeJson(value); });
     }
 
     /// The file's value; absent when the file can't be read or does not hold a `T`. The file stays as it is.
     template <typename T>
     [[nodiscard]] std::optional<T> load(std::string_view name) const
     {
-        return load(name, fromJson<T>);
+        const auto text = loadText(name);
+        return text ? decodeJson<T>(*text) : std::nullopt;
     }
     /// The same for a value that `decode` makes of the JSON, as an optional.
     template <typename Decode>
     [[nodiscard]] std::invoke_result_t<Decode, const Json&> load(std::string_view name, Decode decode) const
     {
-        const auto json = loadJson(name);
+        const auto text = loadText(name);
+        const auto json = text ? parseJson(*text) : std::nullopt;
         if (!json) return std::nullopt;
         return decode(*json);
     }
@@ -81,7 +83,7 @@ public:
 
 private:
     void saveText(std::string_view name, const std::function<std::optional<std::string>()>& encode) const;
-    [[nodiscard]] std::optional<Json> loadJson(std::string_view name) const;
+    [[nodiscard]] std::optional<std::string> loadText(std::string_view name) const;
 
     FileStore& files_;
     std::filesystem::path directory_;

@@ -9,6 +9,7 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <optional>
 #include <set>
@@ -55,6 +56,31 @@ template <typename T>
 [[nodiscard]] Json toJson(const T& value)
 {
     return JsonCodec<T>::write(value);
+}
+
+/// The `T` that a JSON text holds; absent for every other text. A record that is too large to become a JSON value in
+/// between brings `static std::optional<T> fromJsonText(std::string_view)`.
+template <typename T>
+[[nodiscard]] std::optional<T> decodeJson(std::string_view text)
+{
+    if constexpr (requires { T::fromJsonText(text); }) {
+        return T::fromJsonText(text);
+    } else {
+        const auto json = parseJson(text);
+        return json ? fromJson<T>(*json) : std::nullopt;
+    }
+}
+
+/// `value` as JSON in one line; absent when JSON can't hold it. A record that is too large to become a JSON value in
+/// between brings `std::optional<std::string> toJsonText() const`.
+template <typename T>
+[[nodiscard]] std::optional<std::string> encodeJson(const T& value)
+{
+    if constexpr (requires { value.toJsonText(); }) {
+        return value.toJsonText();
+    } else {
+        return dumpJson(toJson(value));
+    }
 }
 
 namespace detail {
@@ -164,6 +190,17 @@ struct JsonCodec<std::vector<T>> {
         return whole ? std::optional{std::move(result)} : std::nullopt;
     }
     static Json write(const std::vector<T>& value) { return detail::writeElements(value); }
+};
+
+template <typename T>
+struct JsonCodec<std::deque<T>> {
+    static std::optional<std::deque<T>> read(const Json& json)
+    {
+        std::deque<T> result;
+        const bool whole = detail::readElements<T>(json, [&](T&& each) { result.push_back(std::move(each)); });
+        return whole ? std::optional{std::move(result)} : std::nullopt;
+    }
+    static Json write(const std::deque<T>& value) { return detail::writeElements(value); }
 };
 
 /// A set is an array, written in the set's order; what stands twice in the array is in the set once.
