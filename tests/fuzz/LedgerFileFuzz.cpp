@@ -31,6 +31,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     const std::string text(data, data + size);
     const auto json = parseJson(text);
+    const auto read = decodeJson<UsageLedger::Snapshot>(text);
+    FUZZ_CHECK(read.has_value() <= json.has_value());
     if (!json) return 0;
 
     const auto written = dumpJson(*json);
@@ -39,9 +41,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     FUZZ_CHECK(parseJson(*written) == json);
 
     const auto snapshot = fromJson<UsageLedger::Snapshot>(*json);
+    FUZZ_CHECK(read == snapshot);
     if (!snapshot) return 0;
-    const auto saved = dumpJson(toJson(*snapshot));
+    const auto saved = encodeJson(*snapshot);
     FUZZ_CHECK(saved.has_value());
+    FUZZ_CHECK(saved == dumpJson(toJson(*snapshot)));
+    FUZZ_CHECK(decodeJson<UsageLedger::Snapshot>(*saved) == snapshot);
     FUZZ_CHECK(fromJson<UsageLedger::Snapshot>(parseJson(*saved).value()) == snapshot);
     checkLedger(*snapshot);
     return 0;

@@ -11,31 +11,29 @@ namespace quellon {
 
 namespace {
 
-/// Calls `use(label, bytes, pids)` for each application of the bucket's usage; `pids` is null where it names none.
+/// Calls `use(label, bytes, pids)` for each application of the bucket's usage.
 template <typename Use>
 void forEachUse(const UsageLedger::Bucket& bucket, Use use)
 {
+    static const UsageSums::Pids none;
     auto carrier = bucket.pids.begin();
     for (const auto& [app, bytes] : bucket.usage) {
         while (carrier != bucket.pids.end() && carrier->first < app) ++carrier;
         const bool isNamed = carrier != bucket.pids.end() && carrier->first == app;
-        use(app, bytes, isNamed ? &carrier->second : nullptr);
+        use(app, bytes, isNamed ? carrier->second : none);
     }
+}
+
+bool isEarlier(const UsageLedger::Bucket& a, const UsageLedger::Bucket& b)
+{
+    return a.at < b.at;
 }
 
 void charge(UsageLedger::Bucket& bucket, std::string_view app, std::int32_t pid, std::uint64_t bytes)
 {
-    const auto usage = bucket.usage.lower_bound(app);
-    if (usage != bucket.usage.end() && usage->first == app)
-        usage->second = checkedAdd(usage->second, bytes);
-    else
-        bucket.usage.emplace_hint(usage, app, bytes);
-
-    auto pids = bucket.pids.lower_bound(app);
-    if (pids == bucket.pids.end() || pids->first != app) {
-        pids = bucket.pids.emplace_hint(pids, app, std::set<std::int32_t>{});
-    }
-    pids->second.insert(pid);
+    std::uint64_t& usage = bucket.usage[app];
+    usage = checkedAdd(usage, bytes);
+    bucket.pids[app].insert(pid);
 }
 
 std::uint64_t increase(std::uint64_t from, std::uint64_t to)
@@ -76,10 +74,13 @@ std::vector<AppUsage> UsageLedger::ingest(const std::vector<ConnectionSample>& s
             charge(bucket, ProcessTable::appLabel(process->command), sample.pid, bytes);
         }
     }
+    bucket.usage.shrinkToFit(); // it stays for hours
+    bucket.pids.shrinkToFit();
     forgetConnections(at);
     hasTrustedBaseline_ = true;
 
     include(bucket);
+    isAscending_ = isAscending_ && (state_.buckets.empty() || !isEarlier(bucket, state_.buckets.back()));
     state_.buckets.push_back(std::move(bucket));
     prune(at);
     return totals(retentionSeconds_, at);
@@ -126,41 +127,33 @@ void UsageLedger::forgetConnections(Date at)
 
 void UsageLedger::include(const Bucket& bucket)
 {
-    forEachUse(bucket, [this](const std::string& app, std::uint64_t bytes, const std::set<std::int32_t>* pids) {
-        Sum& sum = sums_[app];
-        sum.bytes = checkedAdd(sum.bytes, bytes);
-        ++sum.buckets;
-        if (pids == nullptr) return;
-        for (const std::int32_t pid : *pids) ++sum.pids[pid];
+    forEachUse(bucket, [&](const std::string& app, std::uint64_t bytes, const UsageSums::Pids& pids) {
+        sums_.add(app, bucket.at, bytes, pids);
     });
 }
 
-void UsageLedger::exclude(const Bucket& bucket)
+void UsageLedger::exclude(const Bucket& bucket, Date oldest)
 {
-    forEachUse(bucket, [this](const std::string& app, std::uint64_t bytes, const std::set<std::int32_t>* pids) {
-        const auto found = sums_.find(app);
-        Sum& sum = found->second;
-        if (--sum.buckets == 0) {
-            sums_.erase(found);
-            return;
-        }
-        sum.bytes -= bytes;
-        if (pids == nullptr) return;
-        for (const std::int32_t pid : *pids) {
-            const auto carrier = sum.pids.find(pid);
-            if (--carrier->second == 0) sum.pids.erase(carrier);
-        }
+    forEachUse(bucket, [&](const std::string& app, std::uint64_t, const UsageSums::Pids& pids) {
+        sums_.dropBefore(oldest, app, pids);
     });
 }
 
 void UsageLedger::prune(Date now)
 {
+    auto& buckets = state_.buckets;
     const Date oldest = now - retentionSeconds_;
-    std::erase_if(state_.buckets, [&](const Bucket& bucket) {
+    while (!buckets.empty() && buckets.front().at < oldest) {
+        exclude(buckets.front(), oldest);
+        buckets.pop_front();
+    }
+    if (isAscending_) return;
+    std::erase_if(buckets, [&](const Bucket& bucket) {
         const bool isTooOld = bucket.at < oldest;
-        if (isTooOld) exclude(bucket);
+        if (isTooOld) exclude(bucket, oldest);
         return isTooOld;
     });
+    isAscending_ = std::is_sorted(buckets.begin(), buckets.end(), isEarlier);
 }
 
 Date UsageLedger::cutoff(Seconds window, Date at) const
@@ -168,70 +161,31 @@ Date UsageLedger::cutoff(Seconds window, Date at) const
     return at - std::min(retentionSeconds_, window);
 }
 
-bool UsageLedger::holdsOnlySince(Date cutoff) const
-{
-    return std::all_of(state_.buckets.begin(), state_.buckets.end(),
-                       [&](const Bucket& bucket) { return bucket.at >= cutoff; });
-}
-
 std::vector<AppUsage> UsageLedger::totals(Seconds window, Date at) const
 {
-    const Date since = cutoff(window, at);
-    auto result = holdsOnlySince(since) ? sumOfAll() : sumSince(since);
+    auto result = sums_.since(cutoff(window, at));
     std::sort(result.begin(), result.end(), standsBefore);
-    return result;
-}
-
-std::vector<AppUsage> UsageLedger::sumOfAll() const
-{
-    std::vector<AppUsage> result;
-    result.reserve(sums_.size());
-    for (const auto& [app, sum] : sums_) {
-        AppUsage& usage = result.emplace_back(AppUsage{app, sum.bytes, {}});
-        for (const auto& [pid, buckets] : sum.pids) usage.pids.insert(usage.pids.end(), pid);
-    }
-    return result;
-}
-
-std::vector<AppUsage> UsageLedger::sumSince(Date cutoff) const
-{
-    std::vector<AppUsage> result;
-    std::unordered_map<std::string_view, std::size_t> places; // of the applications in `result`
-    for (const Bucket& bucket : state_.buckets) {
-        if (bucket.at < cutoff) continue;
-        forEachUse(bucket, [&](const std::string& app, std::uint64_t bytes, const std::set<std::int32_t>* pids) {
-            const auto [place, isNew] = places.try_emplace(app, result.size());
-            if (isNew) result.push_back({app, 0, {}});
-            AppUsage& usage = result[place->second];
-            usage.bytes = checkedAdd(usage.bytes, bytes);
-            if (pids != nullptr) usage.pids.insert(pids->begin(), pids->end());
-        });
-    }
     return result;
 }
 
 std::uint64_t UsageLedger::total(std::string_view app, Seconds window, Date at) const
 {
-    const Date since = cutoff(window, at);
-    if (holdsOnlySince(since)) {
-        const auto sum = sums_.find(app);
-        return sum != sums_.end() ? sum->second.bytes : 0;
-    }
-    std::uint64_t bytes = 0;
-    for (const Bucket& bucket : state_.buckets) {
-        if (bucket.at < since) continue;
-        const auto usage = bucket.usage.find(app);
-        if (usage != bucket.usage.end()) bytes = checkedAdd(bytes, usage->second);
-    }
-    return bytes;
+    return sums_.bytesSince(cutoff(window, at), app);
 }
 
-void UsageLedger::restore(std::vector<Bucket> buckets, Date now)
+void UsageLedger::restore(std::deque<Bucket> buckets, Date now)
 {
     resetAll();
     std::erase_if(buckets, [oldest = now - retentionSeconds_](const Bucket& bucket) { return bucket.at < oldest; });
     state_.buckets = std::move(buckets);
-    for (const Bucket& bucket : state_.buckets) include(bucket);
+    isAscending_ = std::is_sorted(state_.buckets.begin(), state_.buckets.end(), isEarlier);
+
+    // In the order of their dates, so that a file in any order costs the same.
+    std::vector<const Bucket*> ascending;
+    for (const Bucket& bucket : state_.buckets) ascending.push_back(&bucket);
+    std::stable_sort(ascending.begin(), ascending.end(),
+                     [](const Bucket* a, const Bucket* b) { return isEarlier(*a, *b); });
+    for (const Bucket* bucket : ascending) include(*bucket);
 }
 
 void UsageLedger::setRetention(Seconds seconds, Date now)
@@ -251,60 +205,17 @@ void UsageLedger::resetAll()
 {
     resetBaseline();
     state_.buckets.clear();
+    isAscending_ = true;
     sums_.clear();
 }
 
 void UsageLedger::clear(std::string_view app)
 {
     for (Bucket& bucket : state_.buckets) {
-        if (const auto usage = bucket.usage.find(app); usage != bucket.usage.end()) bucket.usage.erase(usage);
-        if (const auto pids = bucket.pids.find(app); pids != bucket.pids.end()) bucket.pids.erase(pids);
+        bucket.usage.erase(app);
+        bucket.pids.erase(app);
     }
-    if (const auto sum = sums_.find(app); sum != sums_.end()) sums_.erase(sum);
-}
-
-std::optional<UsageLedger::Bucket> UsageLedger::Bucket::fromJson(const Json& json)
-{
-    JsonFields fields{json};
-    Bucket bucket;
-    fields.required("at", bucket.at);
-    fields.required("usage", bucket.usage);
-    fields.required("pids", bucket.pids);
-    return fields.result(std::move(bucket));
-}
-
-Json UsageLedger::Bucket::toJson() const
-{
-    Json json = Json::object();
-    putField(json, "at", at);
-    putField(json, "usage", usage);
-    putField(json, "pids", pids);
-    return json;
-}
-
-std::optional<UsageLedger::Snapshot> UsageLedger::Snapshot::fromJson(const Json& json)
-{
-    JsonFields fields{json};
-    Snapshot snapshot;
-    fields.required("buckets", snapshot.buckets);
-
-    // Sums end the program when they overflow, which no file may bring about.
-    std::unordered_map<std::string_view, std::uint64_t> sums;
-    for (const Bucket& bucket : snapshot.buckets) {
-        for (const auto& [app, bytes] : bucket.usage) {
-            std::uint64_t& sum = sums[app];
-            if (bytes > UINT64_MAX - sum) return std::nullopt;
-            sum += bytes;
-        }
-    }
-    return fields.result(std::move(snapshot));
-}
-
-Json UsageLedger::Snapshot::toJson() const
-{
-    Json json = Json::object();
-    putField(json, "buckets", buckets);
-    return json;
+    sums_.erase(app);
 }
 
 } // namespace quellon

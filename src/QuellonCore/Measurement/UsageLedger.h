@@ -4,15 +4,17 @@
 #include "QuellonCore/Measurement/ConnectionSample.h"
 #include "QuellonCore/Measurement/CountDirection.h"
 #include "QuellonCore/Measurement/ProcessEntry.h"
+#include "QuellonCore/Measurement/UsageSums.h"
+#include "QuellonCore/Support/FlatMap.h"
+#include "QuellonCore/Support/FlatSet.h"
 #include "QuellonCore/Support/Json.h"
 #include "QuellonCore/Support/Time.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <functional>
-#include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -26,9 +28,9 @@ class UsageLedger {
 public:
     /// What one sample charged.
     struct Bucket {
-        Date at;                                                         ///< When the sample was taken.
-        std::map<std::string, std::uint64_t, std::less<>> usage;         ///< Bytes by application label.
-        std::map<std::string, std::set<std::int32_t>, std::less<>> pids; ///< Who carried them.
+        Date at;                             ///< When the sample was taken.
+        FlatMap<std::uint64_t> usage;        ///< Bytes by application label.
+        FlatMap<FlatSet<std::int32_t>> pids; ///< Who carried them.
         bool operator==(const Bucket&) const = default;
 
         /// `at`, `usage` and `pids` are required.
@@ -38,12 +40,17 @@ public:
 
     /// All that is saved.
     struct Snapshot {
-        std::vector<Bucket> buckets; ///< Oldest first.
+        std::deque<Bucket> buckets; ///< In the order of the samples: oldest first, unless the clock was set back.
         bool operator==(const Snapshot&) const = default;
 
         /// `buckets` is required. Absent also when an application's bytes add up to more than a counter holds.
         [[nodiscard]] static std::optional<Snapshot> fromJson(const Json& json);
         [[nodiscard]] Json toJson() const;
+
+        /// The same as by way of `parseJson` and `dumpJson`, to the byte, without a JSON value in between: an hour of
+        /// samples is some 60,000 numbers, which are written twice a minute while the program answers the user.
+        [[nodiscard]] static std::optional<Snapshot> fromJsonText(std::string_view text);
+        [[nodiscard]] std::optional<std::string> toJsonText() const;
     };
 
     /// The process of an id, or nothing.
@@ -77,7 +84,7 @@ public:
     [[nodiscard]] const Snapshot& snapshot() const { return state_; }
 
     /// Replaces the buckets, drops those older than the retention, and forgets the counters.
-    void restore(std::vector<Bucket> buckets, Date now);
+    void restore(std::deque<Bucket> buckets, Date now);
 
     /// How far back buckets are kept.
     [[nodiscard]] Seconds retentionSeconds() const { return retentionSeconds_; }
@@ -136,33 +143,19 @@ private:
         std::uint64_t round = 0; ///< The sample that it was last listed in.
     };
 
-    /// An application's part in all present buckets. Kept up to date, so that a total over the whole retention does
-    /// not walk thousands of buckets at every sample.
-    struct Sum {
-        std::uint64_t bytes = 0;
-        std::size_t buckets = 0;
-        std::map<std::int32_t, std::size_t> pids; ///< In how many buckets each process stands.
-    };
-    struct TextHash {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>{}(text); }
-    };
-
     [[nodiscard]] Counters takeDelta(const ConnectionSample& sample, Date at);
     [[nodiscard]] std::uint64_t counted(const Counters& delta) const;
     void forgetConnections(Date at);
     void include(const Bucket& bucket);
-    void exclude(const Bucket& bucket);
+    void exclude(const Bucket& bucket, Date oldest);
     void prune(Date now);
     [[nodiscard]] Date cutoff(Seconds window, Date at) const;
-    [[nodiscard]] bool holdsOnlySince(Date cutoff) const;
-    [[nodiscard]] std::vector<AppUsage> sumOfAll() const;
-    [[nodiscard]] std::vector<AppUsage> sumSince(Date cutoff) const;
 
     Seconds retentionSeconds_;
     Seconds sampleInterval_;
     Snapshot state_;
-    std::unordered_map<std::string, Sum, TextHash, std::equal_to<>> sums_;
+    bool isAscending_ = true; ///< Whether the dates of the buckets ascend.
+    UsageSums sums_;          ///< Of all present buckets.
     std::unordered_map<ConnectionKey, Connection, ConnectionHash, ConnectionEqual> connections_;
     std::optional<Date> lastIngestAt_;
     std::uint64_t round_ = 0;

@@ -23,7 +23,7 @@ struct NaiveLedger {
     Seconds interval;
     CountDirection direction;
     std::map<std::string, Counters> previous{};
-    std::vector<Bucket> buckets{};
+    std::deque<Bucket> buckets{};
     std::optional<Date> lastIngestAt{};
     bool hasTrustedBaseline = false;
 
@@ -128,8 +128,10 @@ public:
     {
         ASSERT_EQ(ledger_.snapshot().buckets, model_.buckets);
         ASSERT_EQ(ledger_.rememberedConnections(), model_.previous.size());
-        for (const Seconds window : {Seconds{0}, Seconds{60}, Seconds{static_cast<double>(below(900))}, Seconds{1e6}}) {
-            const Date at = at_ + Seconds{static_cast<double>(below(40)) - 20.0};
+        const Seconds edge = model_.buckets.empty() ? Seconds{} : at_ - model_.buckets[below(model_.buckets.size())].at;
+        for (const Seconds window :
+             {Seconds{0}, Seconds{60}, Seconds{static_cast<double>(below(900))}, edge, Seconds{1e6}}) {
+            const Date at = below(3) == 0 ? at_ + Seconds{static_cast<double>(below(900)) - 600.0} : at_;
             const Usages expected = model_.totals(window, at);
             ASSERT_EQ(ledger_.totals(window, at), expected);
             for (const char* app : apps) {
@@ -148,7 +150,7 @@ private:
 
     void ingest()
     {
-        static constexpr std::array<double, 12> gaps{5, 5, 5, 5, 5, 0, 4.5, 30, 30.5, 119, 120, -7.5};
+        static constexpr std::array<double, 14> gaps{5, 5, 5, 5, 5, 5, 0, 4.5, 30, 30.5, 119, 120, -7.5, -400};
         at_ += Seconds{gaps[below(gaps.size())]};
         std::vector<ConnectionSample> samples;
         for (std::uint64_t i = below(12); i > 0; --i) {
@@ -164,7 +166,7 @@ private:
 
     void restore()
     {
-        std::vector<Bucket> buckets;
+        std::deque<Bucket> buckets;
         for (std::uint64_t i = below(30); i > 0; --i) {
             Bucket& bucket = buckets.emplace_back();
             bucket.at = at_ - Seconds{static_cast<double>(below(1'000)) - 30.0};
@@ -222,7 +224,7 @@ private:
 
 TEST(UsageLedger, doesWhatThePlainLedgerDoes)
 {
-    for (std::uint64_t seed = 1; seed <= 40; ++seed) {
+    for (std::uint64_t seed = 1; seed <= 12; ++seed) {
         SCOPED_TRACE(seed);
         Life life{seed};
         for (int step = 0; step < 250; ++step) {

@@ -92,7 +92,7 @@ TEST(UsageLedger, deltas)
         std::vector<ConnectionSample> before;
         Seconds gap;
         std::vector<ConnectionSample> after;
-        std::map<std::string, std::uint64_t, std::less<>> usage;
+        FlatMap<std::uint64_t> usage;
     };
     const Case cases[] = {
         {"a new connection counts in full", {}, 5s, {{1, peer, 500, 0}}, {{"Player", 500}}},
@@ -141,7 +141,7 @@ TEST(UsageLedger, theNextDeltaCountsFromTheFallenCounter)
     world.ingest(0s, {{1, peer, 1'000, 0}});
     world.ingest(5s, {{1, peer, 200, 50}});
     world.ingest(5s, {{1, peer, 300, 50}});
-    EXPECT_EQ(world.lastBucket().usage.at("Player"), 100U);
+    EXPECT_EQ(world.lastBucket().usage, (FlatMap<std::uint64_t>{{"Player", 100}}));
 }
 
 TEST(UsageLedger, aLongerIntervalAllowsALongerGap)
@@ -297,7 +297,7 @@ TEST(UsageLedger, aShorterRetentionLosesBucketsForGood)
 
 TEST(UsageLedger, pidsAreCollectedOnlyThroughUsage)
 {
-    const std::vector<UsageLedger::Bucket> buckets{
+    const std::deque<UsageLedger::Bucket> buckets{
         {Date{}, {{"b", 1}, {"d", 0}}, {{"a", {1}}, {"b", {3, 2}}, {"c", {4}}}},
         {Date{}, {{"b", 1}}, {{"b", {5}}, {"d", {6}}}},
     };
