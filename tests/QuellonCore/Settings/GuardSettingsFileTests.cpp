@@ -1,8 +1,5 @@
-#include "QuellonCore/Persistence/StateFile.h"
 #include "QuellonCore/Rules/DevToolPresets.h"
-#include "QuellonCore/Settings/GuardSettings.h"
-
-#include "ScriptedParts.h"
+#include "QuellonCore/Settings/SettingsText.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -16,13 +13,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
-
-std::optional<GuardSettings> decodeSettings(std::string_view text)
-{
-    CountedIdentifiers ids;
-    const auto json = parseJson(text);
-    return json ? GuardSettings::fromJson(*json, ids) : std::nullopt;
-}
 
 constexpr UUID firstID{{1}};
 constexpr UUID secondID{{2}};

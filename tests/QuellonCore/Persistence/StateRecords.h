@@ -1,0 +1,43 @@
+#pragma once
+
+#include "QuellonCore/Budget/BudgetStore.h"
+#include "QuellonCore/Enforcement/EnforcementHistory.h"
+#include "QuellonCore/Measurement/UsageLedger.h"
+#include "QuellonCore/Persistence/Persistence.h"
+#include "QuellonCore/Persistence/StateFile.h"
+#include "QuellonCore/Presentation/LivenessStats.h"
+#include "QuellonCore/Settings/SettingsText.h"
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quellon {
+
+/// A state file and what the program makes of a text in it: the text of the next save, or absent when it is not read.
+struct StateRecord {
+    std::string_view file;
+    std::optional<std::string> (*reencode)(std::string_view);
+};
+
+template <typename T>
+std::optional<std::string> reencode(std::string_view text)
+{
+    const auto value = decode<T>(text);
+    return value ? std::optional{encode(*value)} : std::nullopt;
+}
+
+inline constexpr std::array<StateRecord, 5> stateRecords{{
+    {Persistence::ledgerFile, reencode<UsageLedger::Snapshot>},
+    {Persistence::settingsFile,
+     [](std::string_view text) -> std::optional<std::string> {
+         const auto settings = decodeSettings(text);
+         return settings ? std::optional{encode(*settings)} : std::nullopt;
+     }},
+    {Persistence::budgetFile, reencode<BudgetStore>},
+    {Persistence::enforcementHistoryFile, reencode<EnforcementHistory>},
+    {Persistence::livenessFile, reencode<LivenessStats>},
+}};
+
+} // namespace quellon
