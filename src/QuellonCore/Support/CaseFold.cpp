@@ -66,10 +66,12 @@ std::string caseFolded(std::string_view text)
 
 bool equalCaseFolded(std::string_view a, std::string_view b)
 {
-    if (std::ranges::all_of(a, isAscii) && std::ranges::all_of(b, isAscii)) {
-        return std::ranges::equal(a, b, {}, foldedAscii, foldedAscii);
+    const std::size_t common = std::min(a.size(), b.size());
+    for (std::size_t i = 0; i < common; ++i) {
+        if (!isAscii(a[i]) || !isAscii(b[i])) return caseFolded(a.substr(i)) == caseFolded(b.substr(i));
+        if (foldedAscii(a[i]) != foldedAscii(b[i])) return false;
     }
-    return caseFolded(a) == caseFolded(b);
+    return a.size() == b.size(); // nothing folds to the empty text
 }
 
 } // namespace quellon

@@ -11,7 +11,7 @@ namespace quellon {
 /// folded.
 [[nodiscard]] std::string caseFolded(std::string_view text);
 
-/// True when both texts fold to the same. Makes no text where both are ASCII.
+/// True when both texts fold to the same. Makes no text unless letters beyond ASCII decide.
 [[nodiscard]] bool equalCaseFolded(std::string_view a, std::string_view b);
 
 } // namespace quellon

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <random>
 #include <string>
+#include <string_view>
 
 namespace quellon {
 namespace {
@@ -72,6 +73,9 @@ TEST(CaseFold, equalCaseFolded)
         {"Cyrillic that differs", "Привет", "привед", false},
         {"equal bytes that are no text", "\xFF", "\xFF", true},
         {"bytes that are no text", "\xFF", "\xFE", false},
+        {"a longer end beyond ASCII", "tmux", "tmuxé", false},
+        {"a difference before letters beyond ASCII", "aé", "bé", false},
+        {"two letters and one", "assß", "ASSSS", true},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -91,6 +95,8 @@ TEST(CaseFold, anyBytesFoldToWhatFoldsNoFurther)
         const std::string folded = caseFolded(bytes);
         EXPECT_EQ(caseFolded(folded), folded);
         EXPECT_TRUE(equalCaseFolded(bytes, folded));
+        const std::string_view cut = std::string_view{bytes}.substr(0, random() % (bytes.size() + 1));
+        EXPECT_EQ(equalCaseFolded(bytes, cut), folded == caseFolded(cut));
     }
 }
 
