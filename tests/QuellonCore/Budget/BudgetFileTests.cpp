@@ -96,6 +96,8 @@ TEST(BudgetFile, shapes)
         {"the largest correction", R"({"calibrationOffsetBytes":4611686018427387904})", true},
         {"a byte more than that", R"({"calibrationOffsetBytes":4611686018427387904,"days":[{"day":"a","bytes":1}]})",
          false},
+        {"a correction of a byte beside the largest sum",
+         R"({"calibrationOffsetBytes":1,"days":[{"day":"a","bytes":4611686018427387904}]})", false},
         {"the smallest correction",
          R"({"calibrationOffsetBytes":-9223372036854775808,"days":[{"day":"a","bytes":4611686018427387904}]})", true},
         {"a correction that does not fit", R"({"calibrationOffsetBytes":9223372036854775808})", false},

@@ -236,6 +236,14 @@ TEST(BudgetStore, twoGapsInMarchThenOneInApril)
     EXPECT_EQ(budget.status(april, berlin()).unmeasuredGaps, 1);
 }
 
+TEST(BudgetStore, aGapAtTheFirstMomentOfACycleBelongsToIt)
+{
+    BudgetStore budget = store(30, 5);
+    budget.recordUnmeasuredGap(march(5, 0), berlin());
+    budget.recordUnmeasuredGap(march(6), berlin());
+    EXPECT_EQ(budget.unmeasuredGaps, 2);
+}
+
 TEST(BudgetStore, gapsWithoutADate)
 {
     BudgetStore budget = store(30, 1);
