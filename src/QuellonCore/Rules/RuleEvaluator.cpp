@@ -1,7 +1,7 @@
 #include "QuellonCore/Rules/RuleEvaluator.h"
 
 #include <algorithm>
-#include <cstddef>
+#include <deque>
 #include <string_view>
 #include <tuple>
 #include <unordered_map>
@@ -11,17 +11,10 @@ namespace quellon::RuleEvaluator {
 
 namespace {
 
-/// A breach that copies nothing: most candidates lose to a higher one.
-struct Candidate {
-    const GuardRule* rule;
-    AppUsage* usage;
-};
-
 /// Whether `a` is listed before `b`.
-bool precedes(const Candidate& a, const Candidate& b)
+bool precedes(const RuleBreach* a, const RuleBreach* b)
 {
-    return std::tie(b.rule->level, b.usage->bytes, a.usage->app) <
-           std::tie(a.rule->level, a.usage->bytes, b.usage->app);
+    return std::tie(b->rule.level, b->bytes, a->app) < std::tie(a->rule.level, a->bytes, b->app);
 }
 
 double shareOf(std::uint64_t threshold, std::uint64_t bytes)
@@ -33,26 +26,30 @@ double shareOf(std::uint64_t threshold, std::uint64_t bytes)
 
 std::vector<RuleBreach> evaluate(const std::vector<GuardRule>& rules, const Lookup& lookup)
 {
-    std::vector<std::vector<AppUsage>> answers; // what the candidates point into
-    std::vector<Candidate> candidates;
-    std::unordered_map<std::string_view, std::size_t> places;
+    std::deque<RuleBreach> breaches; // which stay where they are while more come
+    std::unordered_map<std::string_view, RuleBreach*> byApp;
     for (const GuardRule& rule : rules) {
         if (!rule.enabled) continue;
-        for (AppUsage& usage : answers.emplace_back(lookup(rule.windowSeconds))) {
+        // One answer at a time: its memory serves the next one again, and what is not in breach is never copied.
+        for (AppUsage& usage : lookup(rule.windowSeconds)) {
             if (usage.bytes < rule.thresholdBytes) continue;
-            const auto [place, isNew] = places.try_emplace(usage.app, candidates.size());
-            if (isNew)
-                candidates.push_back({&rule, &usage});
-            else if (Candidate& held = candidates[place->second]; rule.level > held.rule->level)
-                held = {&rule, &usage};
+            if (const auto held = byApp.find(usage.app); held == byApp.end()) {
+                breaches.push_back({std::move(usage.app), rule, usage.bytes, std::move(usage.pids)});
+                byApp.emplace(breaches.back().app, &breaches.back());
+            } else if (RuleBreach& breach = *held->second; rule.level > breach.level()) {
+                breach.rule = rule;
+                breach.bytes = usage.bytes;
+                breach.pids = std::move(usage.pids);
+            }
         }
     }
-    std::ranges::sort(candidates, precedes);
+    std::vector<RuleBreach*> order;
+    order.reserve(breaches.size());
+    for (RuleBreach& breach : breaches) order.push_back(&breach);
+    std::ranges::sort(order, precedes);
     std::vector<RuleBreach> result;
-    result.reserve(candidates.size());
-    for (const auto& [rule, usage] : candidates) {
-        result.push_back({std::move(usage->app), *rule, usage->bytes, std::move(usage->pids)});
-    }
+    result.reserve(order.size());
+    for (RuleBreach* breach : order) result.push_back(std::move(*breach));
     return result;
 }
 
