@@ -85,6 +85,7 @@ TEST(NotificationComposer, budgetLine)
         {"use of a plan of 0 bytes", 5 * giga, 0, "0% of your plan used · 0.0 MB left"},
         {"nothing used", 0, 30 * giga, "0% of your plan used · 30.00 GB left"},
         {"percent are cut off", 1999, 100'000, "1% of your plan used · 0.1 MB left"},
+        {"percent that a double puts just below a whole number", 29, 100, "28% of your plan used · 0.0 MB left"},
         {"a byte before the end", giga - 1, giga, "99% of your plan used · 0.0 MB left"},
         {"all", giga, giga, "100% of your plan used · 0.0 MB left"},
         {"more than all", 3 * giga, giga, "100% of your plan used · 0.0 MB left"},

@@ -26,6 +26,7 @@ TEST(PlainText, plainText)
         {"an escape sequence", "\x1B[31mred", "�[31mred"},
         {"NUL and DEL", "a\0b\x7F"sv, "a�b�"},
         {"a control character of two bytes", "a\u009Bb", "a�b"},
+        {"the last control characters of either kind", "\x1F \u009F", "� �"},
         {"the first character that is no control", "a\u00A0b", "a\u00A0b"},
         {"text turned around", "a\u202Eexe.b\u2066c", "a�exe.b�c"},
         {"what turns text is replaced, to the last", "\u202A\u202B\u202C\u202D\u202E \u2066\u2067\u2068\u2069",

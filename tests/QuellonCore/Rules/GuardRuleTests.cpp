@@ -5,8 +5,13 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
+#include <cmath>
+#include <cstdint>
 #include <limits>
+#include <random>
 #include <string>
+#include <utility>
 
 namespace quellon {
 namespace {
@@ -82,6 +87,23 @@ TEST(GuardRule, readsAndWrites)
         rule.windowSeconds = Seconds{0.1};
         rule.thresholdBytes = std::numeric_limits<std::uint64_t>::max();
         EXPECT_EQ(decode<GuardRule>(encode(rule)), rule);
+    }
+}
+
+TEST(GuardRule, whatIsWrittenReadsTheSame)
+{
+    std::mt19937_64 random{3600};
+    for (int i = 0; i < 300; ++i) {
+        SCOPED_TRACE(i);
+        GuardRule rule;
+        for (auto& byte : rule.id.bytes) byte = static_cast<std::uint8_t>(random());
+        do {
+            rule.windowSeconds = Seconds{std::bit_cast<double>(random())};
+        } while (!std::isfinite(rule.windowSeconds.count()));
+        rule.thresholdBytes = random() >> (random() % 64);
+        rule.level = actionLevels.rows[random() % actionLevels.rows.size()].value;
+        rule.enabled = random() % 2 != 0;
+        ASSERT_EQ(decode<GuardRule>(encode(rule)), rule);
     }
 }
 
