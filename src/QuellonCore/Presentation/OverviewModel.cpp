@@ -1,7 +1,7 @@
 #include "QuellonCore/Presentation/OverviewModel.h"
 
 #include "QuellonCore/Presentation/PlainText.h"
-#include "QuellonCore/Support/Checked.h"
+#include "QuellonCore/Rules/GuardRule.h"
 
 #include <fmt/format.h>
 
@@ -15,15 +15,6 @@ namespace quellon {
 namespace {
 
 constexpr Seconds minute{60.0};
-
-/// A window's length in its largest whole unit: "1h", "5min", "90s".
-std::string windowLabel(Seconds window)
-{
-    const std::uint64_t seconds = checkedWhole(window.count());
-    if (seconds != 0 && seconds % 3600 == 0) return fmt::format("{}h", seconds / 3600);
-    if (seconds != 0 && seconds % 60 == 0) return fmt::format("{}min", seconds / 60);
-    return fmt::format("{}s", seconds);
-}
 
 std::string shareText(double share)
 {

@@ -6,11 +6,11 @@
 
 namespace quellon {
 
-std::string GuardRule::windowLabel() const
+std::string windowLabel(Seconds window)
 {
     constexpr std::int64_t minute = 60;
     constexpr std::int64_t hour = 60 * minute;
-    const std::int64_t seconds = nearestWhole(windowSeconds.count());
+    const std::int64_t seconds = nearestWhole(window.count());
     if (seconds % hour == 0) return fmt::format("{}h", seconds / hour);
     if (seconds % minute == 0) return fmt::format("{}min", seconds / minute);
     return fmt::format("{}s", seconds);

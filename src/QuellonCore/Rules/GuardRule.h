@@ -11,6 +11,10 @@
 
 namespace quellon {
 
+/// A window's length in its largest whole unit: "1h", "2min" or "61s". A fraction of a second is cut off. Ends the
+/// program when the window is not finite, which no file can hold.
+[[nodiscard]] std::string windowLabel(Seconds window);
+
 /// An application that uses `thresholdBytes` or more within `windowSeconds` gets this response.
 struct GuardRule {
     UUID id;
@@ -19,9 +23,8 @@ struct GuardRule {
     ActionLevel level = ActionLevel::notify;
     bool enabled = true; ///< A disabled rule is skipped by everything.
 
-    /// The window in its largest whole unit: "1h", "2min" or "61s". A fraction of a second is cut off. Ends the program
-    /// when the window is not finite, which no file can hold.
-    [[nodiscard]] std::string windowLabel() const;
+    /// The length of the rule's window.
+    [[nodiscard]] std::string windowLabel() const { return quellon::windowLabel(windowSeconds); }
 
     /// All five keys are required.
     [[nodiscard]] static std::optional<GuardRule> fromJson(const Json& json);

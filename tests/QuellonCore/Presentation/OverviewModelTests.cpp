@@ -170,6 +170,31 @@ TEST_F(OverviewModelTest, hint)
     EXPECT_EQ(model().hint, std::nullopt);
 }
 
+TEST_F(OverviewModelTest, theHeadingNamesTheShortestWindowWhateverItIs)
+{
+    struct Case {
+        double window;
+        const char* heading;
+    };
+    constexpr Case cases[] = {
+        {60.0, "1min window"},
+        {90.0, "90s window"},
+        {7200.0, "2h window"},
+        {0.5, "0h window"},
+        {0.0, "0h window"},
+        {-5.0, "-5s window"},
+        {1e300, "9223372036854775807s window"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.heading);
+        GuardSettings settings = engine.settings();
+        settings.rules() = {{UUID{}, Seconds{c.window}, 1, ActionLevel::notify, true}};
+        engine.setSettings(settings);
+        engine.apply(inputs({{"a", 10}}));
+        EXPECT_EQ(model().windowHeading, c.heading);
+    }
+}
+
 TEST_F(OverviewModelTest, log)
 {
     engine.append(GuardEvent::Kind::warning, "one\ntwo");
