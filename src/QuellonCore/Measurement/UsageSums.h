@@ -4,6 +4,7 @@
 #include "QuellonCore/Support/FlatSet.h"
 #include "QuellonCore/Support/Time.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
