@@ -3,8 +3,6 @@
 #include "QuellonCore/Support/CaseFold.h"
 #include "QuellonCore/Support/Text.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 
 namespace quellon {
@@ -49,7 +47,8 @@ ProtectionPolicy::Decision ProtectionPolicy::decide(const ProcessEntry& process,
     case AppPolicy::never:
         return Decision::protected_("set to never limit");
     case AppPolicy::always:
-        if (isInGroup(process, protectedGroups) && !protectedName(process)) return Decision::protected_(partOfSession);
+        if (isInGroup(process, protectedGroups) && anyName(process) == nullptr)
+            return Decision::protected_(partOfSession);
         return Decision::allowed();
     case AppPolicy::global:
         break;
@@ -57,8 +56,7 @@ ProtectionPolicy::Decision ProtectionPolicy::decide(const ProcessEntry& process,
     if (isForced(process, forcedTargets)) return Decision::allowed();
     if (process.uid == 0) return Decision::protected_("root process");
     if (isBelow(process, systemPathPrefixes)) return Decision::protected_("system component");
-    if (const auto name = protectedName(process))
-        return Decision::protected_(fmt::format("protected tool ({})", *name));
+    if (const std::string* name = anyName(process)) return Decision::protected_("protected tool (" + *name + ")");
     if (isInGroup(process, protectedGroups)) return Decision::protected_(partOfSession);
     return Decision::allowed();
 }
@@ -74,32 +72,26 @@ std::set<std::int32_t> ProtectionPolicy::protectedGroups(const ProcessTable::Ent
 
 std::optional<std::string> ProtectionPolicy::protectedName(const ProcessEntry& process) const
 {
-    const std::string* name = sessionName(process);
-    if (name == nullptr) name = find(machineryNames, process);
+    const std::string* name = anyName(process);
     return name != nullptr ? std::optional{*name} : std::nullopt;
-}
-
-/// The first of `names` that is the process's; null when none is.
-const std::string* ProtectionPolicy::find(const std::vector<std::string>& names, const ProcessEntry& process) const
-{
-    const std::string_view own = lastPathComponent(process.command);
-    const bool isCut =
-        kernelNameLength != 0 && own.size() == kernelNameLength && process.command.find('/') == std::string::npos;
-    const auto found = std::ranges::find_if(names, [&](std::string_view name) {
-        return equalCaseFolded(own, name) || (isCut && equalCaseFolded(own, name.substr(0, kernelNameLength)));
-    });
-    return found != names.end() ? &*found : nullptr;
 }
 
 /// The name that protects the process together with its group; null when none does.
 const std::string* ProtectionPolicy::sessionName(const ProcessEntry& process) const
 {
-    if (const std::string* name = find(protectedNames, process)) {
+    if (const std::string* name = protectedNames.find(process.command)) {
         const bool isApplication =
-            process.command.find(".app/") != std::string::npos && find(cliOnlyNames, process) != nullptr;
+            process.command.find(".app/") != std::string::npos && cliOnlyNames.find(process.command) != nullptr;
         return isApplication ? nullptr : name;
     }
-    return process.pid == process.pgid ? find(loginShells, process) : nullptr;
+    return process.pid == process.pgid ? loginShells.find(process.command) : nullptr;
+}
+
+/// The name that protects the process, with its group or alone; null when none does.
+const std::string* ProtectionPolicy::anyName(const ProcessEntry& process) const
+{
+    const std::string* name = sessionName(process);
+    return name != nullptr ? name : machineryNames.find(process.command);
 }
 
 } // namespace quellon

@@ -16,6 +16,7 @@
 namespace quellon {
 
 /// What stands between every rule and every signal: the system's table, and what the user says about applications.
+/// Made once, since the lists are long; `policies` is replaced when the user changes it.
 struct ProtectionPolicy : ProtectionTable {
     /// Fragments of executables' names that pass the checks of the system; an empty one matches nothing.
     std::vector<std::string> forcedTargets;
@@ -53,8 +54,8 @@ struct ProtectionPolicy : ProtectionTable {
     bool operator==(const ProtectionPolicy&) const = default;
 
 private:
-    [[nodiscard]] const std::string* find(const std::vector<std::string>& names, const ProcessEntry& process) const;
     [[nodiscard]] const std::string* sessionName(const ProcessEntry& process) const;
+    [[nodiscard]] const std::string* anyName(const ProcessEntry& process) const;
 };
 
 } // namespace quellon

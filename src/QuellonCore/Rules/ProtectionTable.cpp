@@ -2,8 +2,12 @@
 
 #include "QuellonCore/Support/Text.h"
 
+#include <cstddef>
 #include <initializer_list>
+#include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace quellon {
 
@@ -157,30 +161,29 @@ constexpr std::string_view terminals =
     "wezterm-gui wezterm-mux-server ghostty rio contour xterm rxvt urxvt urxvtd st stterm sakura roxterm "
     "termite cool-retro-term mlterm Eterm aterm havoc zutty termit fbterm yaft";
 
-std::vector<std::string> namesOf(std::initializer_list<std::string_view> groups)
+ExecutableNames namesOf(std::initializer_list<std::string_view> groups)
 {
-    std::vector<std::string> result;
+    constexpr std::size_t kernelNameLength = 15; // TASK_COMM_LEN less the zero at its end
+    std::vector<std::string> names;
     for (const std::string_view group : groups) {
-        for (const std::string_view name : words(group)) result.emplace_back(name);
+        for (const std::string_view name : words(group)) names.emplace_back(name);
     }
-    return result;
+    return ExecutableNames{std::move(names), kernelNameLength};
 }
 
 } // namespace
 
 ProtectionTable ProtectionTable::macOS()
 {
-    return {{"Terminal", "iTerm2", "ssh", "sshd", "tmux", "screen", "claude", "codex"},
-            {"claude", "codex"},
+    return {ExecutableNames{{"Terminal", "iTerm2", "ssh", "sshd", "tmux", "screen", "claude", "codex"}},
+            ExecutableNames{{"claude", "codex"}},
             {},
             {},
-            {"/System/", "/usr/", "/sbin/", "/bin/", "/Library/Apple/"},
-            0};
+            {"/System/", "/usr/", "/sbin/", "/bin/", "/Library/Apple/"}};
 }
 
 ProtectionTable ProtectionTable::linux()
 {
-    constexpr std::size_t kernelNameLength = 15; // TASK_COMM_LEN less the zero at its end
     return {namesOf({remoteSessions}),
             {},
             namesOf({shells}),
@@ -188,8 +191,7 @@ ProtectionTable ProtectionTable::linux()
                      xfce,           mateAndCinnamon, otherDesktops, barsAndHelpers, locks,        notices,  sound,
                      power,          settings,        keyrings,      portals,        inputMethods, networks, tunnels,
                      nameResolution, terminals}),
-            {},
-            kernelNameLength};
+            {}};
 }
 
 } // namespace quellon

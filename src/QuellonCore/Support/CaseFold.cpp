@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 
 namespace quellon {
 
@@ -72,6 +73,21 @@ bool equalCaseFolded(std::string_view a, std::string_view b)
         if (foldedAscii(a[i]) != foldedAscii(b[i])) return false;
     }
     return a.size() == b.size(); // nothing folds to the empty text
+}
+
+std::size_t CaseFoldedHash::operator()(std::string_view text) const
+{
+    // FNV-1a
+    std::uint64_t hash = 0xcbf29ce484222325U;
+    const auto add = [&hash](char c) { hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3U; };
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (!isAscii(text[i])) {
+            std::ranges::for_each(caseFolded(text.substr(i)), add);
+            break;
+        }
+        add(foldedAscii(text[i]));
+    }
+    return static_cast<std::size_t>(hash);
 }
 
 } // namespace quellon

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -13,5 +14,15 @@ namespace quellon {
 
 /// True when both texts fold to the same. Makes no text unless letters beyond ASCII decide.
 [[nodiscard]] bool equalCaseFolded(std::string_view a, std::string_view b);
+
+/// For unordered containers whose keys are compared without regard to case.
+struct EqualCaseFolded {
+    using is_transparent = void;
+    [[nodiscard]] bool operator()(std::string_view a, std::string_view b) const { return equalCaseFolded(a, b); }
+};
+struct CaseFoldedHash {
+    using is_transparent = void;
+    [[nodiscard]] std::size_t operator()(std::string_view text) const;
+};
 
 } // namespace quellon

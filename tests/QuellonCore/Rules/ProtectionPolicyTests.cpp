@@ -33,13 +33,14 @@ std::string reason(const ProtectionPolicy& policy, const ProcessEntry& process)
 TEST(ProtectionPolicy, defaultHasTheTableAndNothingElse)
 {
     const ProtectionPolicy policy = ProtectionPolicy::default_(Platform::macOS());
-    EXPECT_EQ(policy.protectedNames,
+    EXPECT_EQ(policy.protectedNames.names(),
               (std::vector<std::string>{"Terminal", "iTerm2", "ssh", "sshd", "tmux", "screen", "claude", "codex"}));
-    EXPECT_EQ(policy.cliOnlyNames, (std::vector<std::string>{"claude", "codex"}));
+    EXPECT_EQ(policy.cliOnlyNames.names(), (std::vector<std::string>{"claude", "codex"}));
     EXPECT_EQ(policy.systemPathPrefixes,
               (std::vector<std::string>{"/System/", "/usr/", "/sbin/", "/bin/", "/Library/Apple/"}));
-    EXPECT_TRUE(policy.loginShells.empty() && policy.machineryNames.empty() && policy.forcedTargets.empty());
-    EXPECT_EQ(policy.kernelNameLength, 0U);
+    EXPECT_EQ(policy.loginShells, ExecutableNames{});
+    EXPECT_EQ(policy.machineryNames, ExecutableNames{});
+    EXPECT_TRUE(policy.forcedTargets.empty());
     EXPECT_TRUE(policy.policies.isEmpty());
     EXPECT_NE(policy, ProtectionPolicy::default_(Platform::linux()));
 }
@@ -275,12 +276,13 @@ TEST(ProtectionPolicy, neverAllowsTheGuard)
                                             "/usr/lib/firefox/firefox",
                                             ""};
     const std::vector<std::string> labels{"Quellon", "tmux", "bash", "firefox", ""};
-    const std::vector<Platform> platforms{Platform::macOS(), Platform::linux()};
+    std::vector<ProtectionPolicy> defaults{ProtectionPolicy::default_(Platform::macOS()),
+                                           ProtectionPolicy::default_(Platform::linux())};
     int decisions = 0;
     for (int round = 0; round < 300; ++round) {
-        ProtectionPolicy policy = ProtectionPolicy::default_(pick(platforms));
+        ProtectionPolicy& policy = defaults[random() % 2];
         for (const std::string& label : labels) policy.policies.set(pick(appPolicies.rows).value, label);
-        if (random() % 2 == 0) policy.forcedTargets = {pick(labels), pick(labels)};
+        policy.forcedTargets = {pick(labels), pick(labels)};
         const auto id = [&random] { return static_cast<std::int32_t>(random() % 8) - 1; };
         const Groups selfPIDs{id(), id(), id()};
         const Groups groups{id(), id()};

@@ -81,6 +81,7 @@ TEST(CaseFold, equalCaseFolded)
         SCOPED_TRACE(c.name);
         EXPECT_EQ(equalCaseFolded(c.a, c.b), c.equal);
         EXPECT_EQ(equalCaseFolded(c.b, c.a), c.equal);
+        EXPECT_EQ(CaseFoldedHash{}(c.a) == CaseFoldedHash{}(c.b), c.equal);
     }
 }
 
@@ -95,6 +96,7 @@ TEST(CaseFold, anyBytesFoldToWhatFoldsNoFurther)
         const std::string folded = caseFolded(bytes);
         EXPECT_EQ(caseFolded(folded), folded);
         EXPECT_TRUE(equalCaseFolded(bytes, folded));
+        EXPECT_EQ(CaseFoldedHash{}(bytes), CaseFoldedHash{}(folded));
         const std::string_view cut = std::string_view{bytes}.substr(0, random() % (bytes.size() + 1));
         EXPECT_EQ(equalCaseFolded(bytes, cut), folded == caseFolded(cut));
     }
