@@ -67,6 +67,12 @@ std::set<std::int32_t> ProtectionPolicy::protectedGroups(const ProcessTable::Ent
     for (const ProcessEntry& process : processes) {
         if (process.pgid > 0 && sessionName(process) != nullptr) groups.insert(process.pgid);
     }
+    // An ssh that some application of the desktop runs does not make a session of the desktop's group, nor does the
+    // shell script that started the desktop.
+    for (const ProcessEntry& process : processes) {
+        if (groups.contains(process.pgid) && machineryNames.find(process.command) != nullptr)
+            groups.erase(process.pgid);
+    }
     return groups;
 }
 

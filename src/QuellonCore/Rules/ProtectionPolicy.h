@@ -45,7 +45,8 @@ struct ProtectionPolicy : ProtectionTable {
     [[nodiscard]] Decision decide(const ProcessEntry& process, const std::set<std::int32_t>& selfPIDs,
                                   const std::set<std::int32_t>& protectedGroups) const;
 
-    /// The process groups of the protected sessions among these processes.
+    /// The process groups of the protected sessions among these processes. A group that holds machinery is the
+    /// desktop's and none of them.
     [[nodiscard]] std::set<std::int32_t> protectedGroups(const ProcessTable::Entries& processes) const;
 
     /// The name of a table that protects the process, as it stands there; absent when none does.

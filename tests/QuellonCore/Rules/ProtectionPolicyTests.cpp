@@ -265,6 +265,43 @@ TEST(ProtectionPolicy, machineryDoesNotProtectItsGroup)
     EXPECT_EQ(policy.decide(*processes.find(31), {}, groups), Decision::protected_("part of a protected session"));
 }
 
+TEST(ProtectionPolicy, theDesktopsOwnGroupIsNoSession)
+{
+    const ProcessTable::Entries processes{{
+        {5, user, 5, "/usr/bin/gnome-shell"},
+        {6, user, 5, "/usr/share/code/code"},
+        {7, user, 5, "/usr/bin/ssh"},
+        {8, user, 5, "/usr/lib/firefox/firefox"},
+        {20, user, 20, "/usr/bin/bash"},
+        {21, user, 20, "/usr/bin/xinit"},
+        {22, user, 20, "/usr/lib/firefox/firefox"},
+        {30, user, 30, "/usr/bin/git"},
+        {31, user, 30, "/usr/bin/ssh"},
+        {40, user, 40, "/usr/bin/konsole"},
+    }};
+    const ProtectionPolicy policy = ProtectionPolicy::default_(Platform::linux());
+    const Groups groups = policy.protectedGroups(processes);
+    EXPECT_EQ(groups, (Groups{30}));
+    struct Case {
+        const char* name;
+        std::int32_t pid;
+        const char* reason;
+    };
+    constexpr Case cases[] = {
+        {"the desktop shell", 5, "protected tool (gnome-shell)"},
+        {"an editor that works over ssh", 6, ""},
+        {"its ssh", 7, "protected tool (ssh)"},
+        {"a browser beside it", 8, ""},
+        {"the script that starts a desktop", 20, "protected tool (bash)"},
+        {"a browser in such a desktop", 22, ""},
+        {"a command that works over ssh", 30, "part of a protected session"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(policy.decide(*processes.find(c.pid), {}, groups).reason, c.reason);
+    }
+}
+
 TEST(ProtectionPolicy, neverAllowsTheGuard)
 {
     std::mt19937_64 random{33};
