@@ -78,6 +78,7 @@ TEST(BudgetStore, daysRemaining)
         {"to a skipped midnight, from the hour it lacks", "America/Santiago", 6, utc(2026, 9, 4, 4, 30), 1},
         {"and from the hour after", "America/Santiago", 6, utc(2026, 9, 4, 5, 30), 1},
         {"from a skipped midnight", "America/Santiago", 6, utc(2026, 9, 6, 4), 30},
+        {"never below 0: the last cycle of all has no end", "UTC", 20, utc(9999, 12, 25), 0},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -118,14 +119,23 @@ TEST(BudgetStore, projectExhaustion)
         {"entries of 0 bytes are no average", 2, gigabyte, {{"2026-03-14", 0}}, std::nullopt},
         {"but count as days", 2, gigabyte, {{"2026-03-14", 0}, {"2026-03-15", gigabyte}}, now + 2 * day},
         {"a byte a day and gigabytes left", 2, gigabyte, {{"2026-03-14", 1}}, std::nullopt},
+        {"a byte a day and a byte left", 1, gigabyte - 1, {{"2026-03-14", 1}}, now + day},
         {"exactly 365 days", 365, 0, {{"2026-03-14", gigabyte}}, std::nullopt},
         {"a little less", 365, 2'200'000'000, {{"2026-03-14", gigabyte}}, now + Seconds{31'358'974.0}},
-        {"seconds are cut to whole ones", 1, gigabyte - 1, {{"2026-03-14", 7 * 86'400}}, now},
+        {"seconds are cut to whole ones: 1.875", 1, gigabyte - 15, {{"2026-03-14", 8 * 86'400}}, now + Seconds{1.0}},
+        {"less than one: 0.875", 1, gigabyte - 7, {{"2026-03-14", 8 * 86'400}}, now},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         EXPECT_EQ(store(c.planGB, 1, c.days).projectExhaustion(c.used, now, Calendar{}), c.exhaustion);
     }
+}
+
+TEST(BudgetStore, inTheFirstWeekOfAllTheForecastGoesByToday)
+{
+    const Date now = utc(1, 1, 3, 12);
+    const BudgetStore budget = store(2, 1, {{"0001-01-02", 3 * gigabyte}, {"0001-01-03", gigabyte}});
+    EXPECT_EQ(budget.projectExhaustion(gigabyte, now, Calendar{}), now + Seconds{86'400.0});
 }
 
 TEST(BudgetStore, withThePlanUsedUpTheForecastIsNowAndOverrunsTheCycle)
@@ -173,6 +183,7 @@ TEST(BudgetStore, dailyStatus)
         {"more used than there is", tenth, {{"2026-03-09", 23 * gigabyte}}, 0, {0, 0}},
         {"the last day has all that is left", utc(2026, 3, 31, 12), {{"2026-03-30", gigabyte}}, 0, {0, 21 * gigabyte}},
         {"at the first moment of a day the day before still counts", utc(2026, 3, 31), {}, 0, {0, 11 * gigabyte}},
+        {"a day behind the end of the last cycle of all", utc(9999, 12, 2, 12), {}, 0, {0, 22 * gigabyte}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);

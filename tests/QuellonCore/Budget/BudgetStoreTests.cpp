@@ -155,6 +155,15 @@ TEST(BudgetStore, pruningKeepsTheOrder)
     EXPECT_EQ(budget.days, days);
 }
 
+TEST(BudgetStore, inTheFirstYearOfAllPruningKeepsWhatIsNotBeforeToday)
+{
+    std::vector<DayUsage> days(400, DayUsage{"0001-06-30", 1});
+    days.push_back({"0001-07-01", 2});
+    BudgetStore budget = store(30, 1, days);
+    budget.pruneOldDays(utc(1, 7, 1, 12), Calendar{});
+    EXPECT_EQ(budget.days, (std::vector<DayUsage>{{"0001-07-01", 2}}));
+}
+
 TEST(BudgetStore, theFirstReadingOnlySetsTheBaseline)
 {
     BudgetStore budget = store(30, 1);

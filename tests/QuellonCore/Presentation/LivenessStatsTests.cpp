@@ -49,6 +49,13 @@ TEST(LivenessStats, recordGuardedTime)
     }
 }
 
+TEST(LivenessStats, theMostThatAFileMaySayCanStillBeToldAfterTheNextTick)
+{
+    auto stats = decode<LivenessStats>(R"({"totalGuardedSeconds":9223372036854774784})").value();
+    for (int i = 0; i < 3; ++i) stats.recordGuardedTime(now - Seconds{119.75}, now);
+    EXPECT_EQ(stats.guardedDurationText(), "106751991167300d 15h");
+}
+
 TEST(LivenessStats, recordTrigger)
 {
     LivenessStats stats;
@@ -147,6 +154,7 @@ TEST(LivenessStats, guardedDurationText)
         {"the last second of a day", 172'799.0, "1d 23h"},
         {"a year", 31'536'000.0, "365d 0h"},
         {"below 0, as a file may say", -150.0, "-2m"},
+        {"the least that can be told", -9'223'372'036'854'775'808.0, "-153722867280912930m"},
         {"the most that can be told", 9'223'372'036'854'774'784.0, "106751991167300d 15h"},
     };
     for (const auto& c : cases) {
@@ -218,6 +226,8 @@ TEST(LivenessFile, shapes)
         {"a text for the date", R"({"lastTriggerAt":"8"})", std::nullopt},
         {"more seconds than can be told", R"({"totalGuardedSeconds":1e300})", std::nullopt},
         {"less seconds than can be told", R"({"totalGuardedSeconds":-1e300})", std::nullopt},
+        {"minus 2^63 seconds", R"({"totalGuardedSeconds":-9223372036854775808})",
+         LivenessStats{-9'223'372'036'854'775'808.0, {}, 0, {}}},
         {"2^63 seconds", R"({"totalGuardedSeconds":9223372036854775808})", std::nullopt},
         {"a list", "[]", std::nullopt},
     };
