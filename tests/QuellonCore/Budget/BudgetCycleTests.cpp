@@ -122,6 +122,27 @@ TEST(BudgetStore, cycleStartAndEnd)
     }
 }
 
+TEST(BudgetStore, theDayOfTheMonthSaysWhenTheCycleBegan)
+{
+    std::mt19937_64 random{30};
+    for (const char* name : trickyZones) {
+        SCOPED_TRACE(name);
+        const Calendar calendar = zone(name);
+        for (int i = 0; i < 200; ++i) {
+            // From 2012 on no clock goes back over midnight.
+            const Date now = utc(2012, 1, 2) + Seconds{static_cast<double>(random() % 473'385'600)};
+            const int startDay = 1 + static_cast<int>(random() % 28);
+            CalendarDay first = calendar.day(now);
+            if (first.day < startDay) first.month -= 1;
+            if (first.month == 0) first = {first.year - 1, 12, 0};
+            first.day = startDay;
+            const Date start = startingOn(startDay).cycleStart(now, calendar);
+            EXPECT_EQ(calendar.day(start), first);
+            EXPECT_EQ(calendar.startOfDay(start), start);
+        }
+    }
+}
+
 /// That the cycle of `now` holds it, and that its neighbours meet it without a gap or an overlap.
 void expectOneCycle(const BudgetStore& store, Date now, const Calendar& calendar)
 {
