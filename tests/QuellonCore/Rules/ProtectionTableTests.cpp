@@ -107,8 +107,23 @@ TEST(ProtectionTable, whatMovesTheUsersDataStaysTouchable)
                              "evolution",
                              "nautilus",
                              "dolphin",
-                             "gvfsd",
                              "gvfsd-http",
+                             "gvfsd-smb",
+                             "gvfsd-dav",
+                             "gvfsd-google",
+                             "kdeconnectd",
+                             "goa-daemon",
+                             "evolution-source-registry",
+                             "evolution-calendar-factory",
+                             "localsearch-3",
+                             "tracker-miner-fs-3",
+                             "baloo_file",
+                             "akonadi_imap_resource",
+                             "snap-store",
+                             "deja-dup",
+                             "onedrive",
+                             "tor",
+                             "slirp4netns",
                              "kioworker",
                              "packagekitd",
                              "gnome-software",
@@ -136,12 +151,51 @@ TEST(ProtectionTable, whatMovesTheUsersDataStaysTouchable)
                              "dash",
                              "busybox",
                              "code",
-                             "gjs-console",
                              "bwrap"}) {
         SCOPED_TRACE(name);
         for (const ExecutableNames* names : {&table.protectedNames, &table.loginShells, &table.machineryNames}) {
             EXPECT_EQ(names->find(name), nullptr);
         }
+    }
+}
+
+TEST(ProtectionTable, whatADesktopWaitsForIsProtected)
+{
+    struct Case {
+        const char* name;
+        Names commands;
+    };
+    const Case cases[] = {
+        {"every desktop",
+         {"/usr/bin/dbus-broker", "/usr/bin/Xwayland", "/usr/libexec/at-spi2-registryd", "/usr/libexec/dconf-service",
+          "/usr/libexec/xdg-desktop-portal", "/usr/libexec/xdg-document-portal", "/usr/bin/wireplumber",
+          "/usr/bin/pipewire-pulse", "/usr/bin/gnome-keyring-daemon", "/usr/bin/fcitx5", "/usr/lib/systemd/systemd"}},
+        {"GNOME",
+         {"/usr/bin/gnome-shell", "/usr/libexec/gnome-session-binary", "/usr/libexec/gnome-session-service",
+          "/usr/libexec/gsd-media-keys", "/usr/libexec/gsd-xsettings", "/usr/bin/gjs-console",
+          "/usr/libexec/xdg-desktop-portal-gnome", "/usr/libexec/gvfsd", "/usr/libexec/gvfsd-fuse",
+          "/usr/libexec/gvfs-udisks2-volume-monitor", "/usr/bin/ptyxis"}},
+        {"Plasma",
+         {"/usr/bin/kwin_wayland", "/usr/bin/plasmashell", "/usr/bin/ksmserver", "/usr/bin/startplasma-wayland",
+          "/usr/bin/kded6", "/usr/bin/ksecretd", "/usr/libexec/kiod6", "/usr/libexec/xdg-desktop-portal-kde",
+          "/usr/libexec/org_kde_powerdevil", "/usr/libexec/polkit-kde-authentication-agent-1"}},
+        {"Xfce", {"/usr/bin/xfce4-session", "/usr/bin/xfwm4", "/usr/lib/xfce4/panel/wrapper-2.0", "/usr/bin/xfconfd"}},
+        {"MATE", {"/usr/bin/mate-session", "/usr/bin/marco", "/usr/bin/mate-panel", "/usr/libexec/clock-applet"}},
+        {"Cinnamon", {"/usr/bin/cinnamon", "/usr/bin/muffin", "/usr/libexec/csd-xsettings", "/usr/bin/nemo-desktop"}},
+        {"LXQt", {"/usr/bin/lxqt-session", "/usr/bin/lxqt-panel", "/usr/bin/pcmanfm-qt", "/usr/bin/openbox"}},
+        {"COSMIC",
+         {"/usr/bin/cosmic-comp", "/usr/bin/cosmic-session", "/usr/bin/cosmic-panel", "/usr/bin/cosmic-files-applet",
+          "/usr/libexec/xdg-desktop-portal-cosmic"}},
+        {"sway", {"/usr/bin/sway", "/usr/bin/waybar", "/usr/bin/swaynag", "/usr/bin/mako", "/usr/bin/swaylock"}},
+        {"Hyprland",
+         {"/usr/bin/Hyprland", "/usr/bin/start-hyprland", "/usr/bin/hyprlock", "/usr/bin/quickshell",
+          "/usr/libexec/xdg-desktop-portal-hyprland"}},
+        {"i3", {"/usr/bin/i3", "/usr/bin/i3bar", "/usr/bin/xss-lock", "/usr/bin/i3lock", "/usr/bin/dunst"}},
+    };
+    const ProtectionTable table = ProtectionTable::linux();
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        for (const std::string& command : c.commands) EXPECT_NE(table.machineryNames.find(command), nullptr) << command;
     }
 }
 
