@@ -27,8 +27,8 @@ constexpr hours farthestOffset{48};
 
 const date::time_zone* find(const std::string& name)
 {
-    // The library reports a missing zone, and a missing or damaged database too, by throwing. A zone is only read when
-    // it is first asked, so that is done here.
+    // The library reports a missing zone, a missing database and a file that is cut short by throwing (and ends the
+    // program for one that holds something else). A zone is only read when it is first asked, so that is done here.
     try {
         const date::time_zone* zone = date::locate_zone(name);
         (void)zone->get_info(date::sys_seconds{});
@@ -148,7 +148,7 @@ std::optional<Date> Calendar::addingMonths(Date date, std::int64_t months) const
     const std::int64_t month = std::int64_t{static_cast<int>(fields.year())} * 12 + months - 1 +
                                std::int64_t{static_cast<unsigned>(fields.month())};
     const std::int64_t year = month / 12;
-    if (month < 0 || year < 1 || year > 9999) return std::nullopt;
+    if (year < 1 || year > 9999) return std::nullopt;
 
     const auto target = date::year{static_cast<int>(year)} / static_cast<int>(month % 12 + 1);
     const date::year_month_day last{target / date::last};

@@ -24,7 +24,8 @@ struct CalendarDay {
 
 /// The questions to a moment that need a time zone. A small value; the zones live as long as the process. The years 1
 /// to 9999 are told apart, what lies beyond them is held at their edge; a date that is no number counts as 1970-01-01
-/// 00:00:00 UTC. When clocks change is what the system's database lists, which may end with the year 2037.
+/// 00:00:00 UTC. When clocks change is what the system's database lists: up to the year 2037 in its "fat" form; in its
+/// "slim" form up to the last change of the zone's rules, behind which the clocks of this calendar stand still.
 class Calendar {
 public:
     /// The calendar of UTC.

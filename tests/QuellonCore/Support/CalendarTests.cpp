@@ -243,6 +243,7 @@ TEST(Calendar, addingMonths)
     };
     const Case cases[] = {
         {"none", "UTC", utc(2026, 1, 31, 5, 0, 0.125), 0, utc(2026, 1, 31, 5, 0, 0.125)},
+        {"none from the second of two", "Europe/Berlin", utc(2026, 10, 25, 1, 30), 0, utc(2026, 10, 25, 1, 30)},
         {"one, with the fraction", "UTC", utc(2026, 1, 15, 5, 0, 0.125), 1, utc(2026, 2, 15, 5, 0, 0.125)},
         {"to a shorter month", "UTC", utc(2026, 1, 31), 1, utc(2026, 2, 28)},
         {"to the leap day", "UTC", utc(2028, 1, 31), 1, utc(2028, 2, 29)},
