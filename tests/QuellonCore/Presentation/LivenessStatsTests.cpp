@@ -182,7 +182,8 @@ TEST(LivenessStats, triggerSummary)
         std::int64_t count;
         const char* text;
     };
-    constexpr Case cases[] = {{0, "never triggered"}, {1, "1 times"}, {2, "2 times"}, {12'345, "12345 times"}};
+    constexpr Case cases[] = {
+        {0, "never triggered"}, {1, "1 times"}, {2, "2 times"}, {12'345, "12345 times"}, {-3, "-3 times"}};
     for (const auto& c : cases) {
         LivenessStats stats;
         stats.triggerCount = c.count;
