@@ -129,7 +129,7 @@ TEST(BudgetStore, theDayOfTheMonthSaysWhenTheCycleBegan)
         SCOPED_TRACE(name);
         const Calendar calendar = zone(name);
         for (int i = 0; i < 200; ++i) {
-            // From 2012 on no clock goes back over midnight.
+            // From 2012 on none of these clocks goes back over midnight.
             const Date now = utc(2012, 1, 2) + Seconds{static_cast<double>(random() % 473'385'600)};
             const int startDay = 1 + static_cast<int>(random() % 28);
             CalendarDay first = calendar.day(now);
