@@ -37,6 +37,8 @@ TEST(ExecutableNames, find)
         {"cut, case aside", {"abcdefg"}, "ABCDE", "abcdefg"},
         {"cut shorter", {"abcdefg"}, "abcd", ""},
         {"cut longer", {"abcdefg"}, "abcdef", ""},
+        {"cut by one byte", {"abcdef"}, "abcde", "abcdef"},
+        {"as many letters, one byte more", {"ßabcdef"}, "ẞabc", ""},
         {"a path is never cut", {"abcdefg"}, "/abcde", ""},
         {"of several that begin so, the first", {"x", "abcdefg", "abcdeyz"}, "abcde", "abcdefg"},
         {"a whole name before those that begin so", {"abcdefg", "abcde"}, "abcde", "abcde"},
