@@ -36,8 +36,12 @@ void useAt(const EnforcementHistory& history, Date now)
     for (const auto& [app, at] : history.lastNoticeAt) {
         FUZZ_CHECK(pruned.shouldSendNotice(app, now) == history.shouldSendNotice(app, now));
     }
-    pruned.record("new", 1, now, EnforcementAction::kill, std::nullopt, false, EnforcementHistory::Kind::enforced);
-    FUZZ_CHECK(pruned.lastRecord("new", now).has_value());
+    // What a file holds leaves room for what is recorded later.
+    const std::string app = pruned.records.empty() ? "new" : pruned.records.back().app;
+    constexpr std::uint64_t much = std::uint64_t{1} << 63;
+    pruned.record(app, much, now, EnforcementAction::kill, std::nullopt, false, EnforcementHistory::Kind::enforced);
+    FUZZ_CHECK(pruned.lastRecord(app, now).has_value());
+    FUZZ_CHECK(pruned.wastedBytes(app, now) >= much);
 }
 
 void useHistory(const EnforcementHistory& history)

@@ -1,5 +1,7 @@
 #include "Check.h"
 #include "QuellonCore/Measurement/UsageLedger.h"
+#include "QuellonCore/Notifications/NotificationComposer.h"
+#include "QuellonCore/Rules/RuleEvaluator.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -7,6 +9,14 @@
 namespace {
 
 using namespace quellon;
+
+/// A message about all applications at once, which adds up what they used.
+void checkMessage(const UsageLedger& ledger, Date now)
+{
+    const GuardRule rule{UUID{}, ledger.retentionSeconds(), 0, ActionLevel::notify, true};
+    const auto breaches = RuleEvaluator::evaluate({rule}, [&](Seconds window) { return ledger.totals(window, now); });
+    FUZZ_CHECK(NotificationComposer::mergedPlan(breaches, std::nullopt).apps.size() == breaches.size());
+}
 
 void checkLedger(const UsageLedger::Snapshot& snapshot)
 {
@@ -21,6 +31,7 @@ void checkLedger(const UsageLedger::Snapshot& snapshot)
             FUZZ_CHECK(ledger.total(usage.app, window, now) == usage.bytes);
         }
     }
+    checkMessage(ledger, now);
     for (const auto& usage : ledger.totals(retention, now)) ledger.clear(usage.app);
     FUZZ_CHECK(ledger.totals(retention, now).empty());
 }

@@ -2,6 +2,7 @@
 
 #include "QuellonCore/Budget/PlanProfile.h"
 #include "QuellonCore/Support/Checked.h"
+#include "QuellonCore/Support/FiledSum.h"
 
 #include <fmt/format.h>
 
@@ -86,19 +87,12 @@ auto entryOf(auto& days, std::string_view day)
     return std::find_if(days.begin(), days.end(), [day](const DayUsage& each) { return each.day == day; });
 }
 
-/// Whether the sums of what a file holds stay within `largestFiledSum`.
 bool canBeSummed(const BudgetStore& store)
 {
-    std::uint64_t left = BudgetStore::largestFiledSum;
-    const auto fits = [&left](std::uint64_t bytes) {
-        if (bytes > left) return false;
-        left -= bytes;
-        return true;
-    };
+    FiledSum sum;
     const std::int64_t offset = store.calibrationOffsetBytes;
-    return (offset <= 0 || fits(static_cast<std::uint64_t>(offset))) &&
-           std::all_of(store.days.begin(), store.days.end(),
-                       [&fits](const DayUsage& each) { return fits(each.bytes); });
+    return (offset <= 0 || sum.add(static_cast<std::uint64_t>(offset))) &&
+           std::ranges::all_of(store.days, [&sum](const DayUsage& each) { return sum.add(each.bytes); });
 }
 
 } // namespace

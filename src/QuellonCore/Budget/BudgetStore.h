@@ -65,9 +65,6 @@ struct BudgetStore {
 
     /// With more entries than this, those of days that lie further back than this many days go.
     static constexpr std::size_t keptDays = 400;
-    /// The most that a file's days and correction may come to: far beyond what can be transferred, and far enough from
-    /// the largest number for all that is added later.
-    static constexpr std::uint64_t largestFiledSum = std::uint64_t{1} << 62;
 
     double planGB = 30.0;                    ///< The allowance, in gigabytes of 1024 x 1024 x 1024 bytes.
     StartDay billingCycleStartDay;           ///< The day of the month that a cycle begins with.
@@ -124,7 +121,7 @@ struct BudgetStore {
 
     /// A missing key leaves the default above; a start day outside of 1 to 28 is brought to the nearest. Absent also
     /// when `PlanProfile::canHold` refuses `planGB`, and when the days together with a positive correction exceed
-    /// `largestFiledSum`: what ends the program no file may bring about.
+    /// `FiledSum::largest`: what ends the program no file may bring about.
     [[nodiscard]] static std::optional<BudgetStore> fromJson(const Json& json);
     [[nodiscard]] Json toJson() const;
 

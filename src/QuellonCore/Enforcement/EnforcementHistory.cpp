@@ -1,9 +1,9 @@
 #include "QuellonCore/Enforcement/EnforcementHistory.h"
 
 #include "QuellonCore/Support/Checked.h"
+#include "QuellonCore/Support/FiledSum.h"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 namespace quellon {
@@ -31,16 +31,10 @@ std::uint64_t sumInWindow(const EnforcementHistory& history, std::string_view ap
     return sum;
 }
 
-/// Whether every sum that a query could ask for fits.
 bool canBeSummed(const std::vector<Record>& records)
 {
-    std::map<std::pair<std::string_view, Kind>, std::uint64_t> sums;
-    return std::ranges::all_of(records, [&sums](const Record& record) {
-        std::uint64_t& sum = sums[{record.app, record.effectiveKind()}];
-        if (record.bytes > std::numeric_limits<std::uint64_t>::max() - sum) return false;
-        sum += record.bytes;
-        return true;
-    });
+    FiledSum sum;
+    return std::ranges::all_of(records, [&sum](const Record& record) { return sum.add(record.bytes); });
 }
 
 } // namespace
@@ -147,8 +141,7 @@ std::optional<EnforcementHistory> EnforcementHistory::fromJson(const Json& json)
     EnforcementHistory history;
     fields.defaulted("records", history.records);
     fields.defaulted("lastNoticeAt", history.lastNoticeAt);
-    // Sums end the program when they overflow, which no file may bring about.
-    if (!canBeSummed(history.records)) return std::nullopt;
+    fields.require(canBeSummed(history.records));
     return fields.result(std::move(history));
 }
 

@@ -83,7 +83,7 @@ struct EnforcementHistory {
     /// nothing is ended but frozen, so that a download stands still instead of starting over.
     [[nodiscard]] static EnforcementAction actionAfterLoopBreaker(EnforcementAction intended, std::size_t count);
 
-    /// Both keys have defaults. Absent also when the bytes of an application add up to more than a counter holds.
+    /// Both keys have defaults. Absent also when the bytes of all records together exceed `FiledSum::largest`.
     [[nodiscard]] static std::optional<EnforcementHistory> fromJson(const Json& json);
     [[nodiscard]] Json toJson() const;
 

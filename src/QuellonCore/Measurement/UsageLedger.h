@@ -43,7 +43,7 @@ public:
         std::deque<Bucket> buckets; ///< In the order of the samples: oldest first, unless the clock was set back.
         bool operator==(const Snapshot&) const = default;
 
-        /// `buckets` is required. Absent also when an application's bytes add up to more than a counter holds.
+        /// `buckets` is required. Absent also when all bytes together exceed `FiledSum::largest`.
         [[nodiscard]] static std::optional<Snapshot> fromJson(const Json& json);
         [[nodiscard]] Json toJson() const;
 

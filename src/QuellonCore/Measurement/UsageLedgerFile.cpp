@@ -1,4 +1,5 @@
 #include "QuellonCore/Measurement/UsageLedger.h"
+#include "QuellonCore/Support/FiledSum.h"
 #include "QuellonCore/Support/Utf8.h"
 
 #include <algorithm>
@@ -15,19 +16,12 @@ namespace {
 using Bucket = UsageLedger::Bucket;
 using Snapshot = UsageLedger::Snapshot;
 
-/// Whether the bytes of every application can be added up. Sums end the program when they overflow, which no file may
-/// bring about.
 bool canBeSummed(const Snapshot& snapshot)
 {
-    std::unordered_map<std::string_view, std::uint64_t> sums;
-    for (const Bucket& bucket : snapshot.buckets) {
-        for (const auto& [app, bytes] : bucket.usage) {
-            std::uint64_t& sum = sums[app];
-            if (bytes > UINT64_MAX - sum) return false;
-            sum += bytes;
-        }
-    }
-    return true;
+    FiledSum sum;
+    return std::ranges::all_of(snapshot.buckets, [&sum](const Bucket& bucket) {
+        return std::ranges::all_of(bucket.usage, [&sum](const auto& entry) { return sum.add(entry.second); });
+    });
 }
 
 /// Whether JSON writes the byte of a text as it is.

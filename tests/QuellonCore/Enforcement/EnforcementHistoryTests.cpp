@@ -244,19 +244,22 @@ TEST(EnforcementHistory, fromJson)
         {"negative bytes", R"({"records":[{"app":"a","at":5.25,"bytes":-1}]})", std::nullopt},
         {"2^64 bytes", R"({"records":[{"app":"a","at":5.25,"bytes":18446744073709551616}]})", std::nullopt},
         {"a notice that is no date", R"({"lastNoticeAt":{"a":"x"}})", std::nullopt},
-        {"bytes of one application that overflow",
-         R"({"records":[{"app":"a","at":5,"bytes":18446744073709551615},{"app":"a","at":6,"bytes":1,"kind":"enforced"}]})",
-         std::nullopt},
-        {"asked bytes that overflow",
-         R"({"records":[{"app":"a","at":5,"bytes":18446744073709551615,"kind":"asked"},)"
-         R"({"app":"a","at":6,"bytes":1,"kind":"asked"}]})",
-         std::nullopt},
-        {"bytes that are never added up",
-         R"({"records":[{"app":"a","at":5.25,"bytes":18446744073709551615},)"
+        {"as many bytes as a file may hold",
+         R"({"records":[{"app":"a","at":5.25,"bytes":4611686018427387902},)"
          R"({"app":"a","at":5.25,"bytes":1,"kind":"asked"},{"app":"b","at":5.25,"bytes":1}]})",
-         EnforcementHistory{
-             {{"a", at, most, {}, {}, {}, {}}, {"a", at, 1, {}, {}, {}, Kind::asked}, {"b", at, 1, {}, {}, {}, {}}},
-             {}}},
+         EnforcementHistory{{{"a", at, 4'611'686'018'427'387'902, {}, {}, {}, {}},
+                             {"a", at, 1, {}, {}, {}, Kind::asked},
+                             {"b", at, 1, {}, {}, {}, {}}},
+                            {}}},
+        {"one byte more of the same application",
+         R"({"records":[{"app":"a","at":5,"bytes":4611686018427387904},{"app":"a","at":6,"bytes":1}]})", std::nullopt},
+        {"one byte more of another application",
+         R"({"records":[{"app":"a","at":5,"bytes":4611686018427387904},{"app":"b","at":6,"bytes":1}]})", std::nullopt},
+        {"one byte more of another kind",
+         R"({"records":[{"app":"a","at":5,"bytes":4611686018427387904,"kind":"asked"},{"app":"a","at":6,"bytes":1}]})",
+         std::nullopt},
+        {"a sum of 2^64",
+         R"({"records":[{"app":"a","at":5,"bytes":18446744073709551615},{"app":"a","at":6,"bytes":1}]})", std::nullopt},
         {"an array", "[]", std::nullopt},
     };
     for (const auto& c : cases) {

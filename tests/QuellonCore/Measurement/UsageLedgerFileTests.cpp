@@ -67,7 +67,10 @@ TEST(LedgerFile, shapes)
         {"an unknown key", R"({"buckets":[{"at":0,"usage":{},"pids":{},"more":1}],"version":2})", true},
         {"whole numbers with a point", R"({"buckets":[{"at":1,"usage":{"a":5.0},"pids":{"a":[7.0]}}]})", true},
         {"pids of an application without usage", R"({"buckets":[{"at":1,"usage":{},"pids":{"a":[7]}}]})", true},
-        {"the largest byte count", R"({"buckets":[{"at":1,"usage":{"a":18446744073709551615},"pids":{}}]})", true},
+        {"as many bytes as a file may hold", R"({"buckets":[{"at":1,"usage":{"a":4611686018427387904},"pids":{}}]})",
+         true},
+        {"one byte more", R"({"buckets":[{"at":1,"usage":{"a":4611686018427387905},"pids":{}}]})", false},
+        {"the largest byte count", R"({"buckets":[{"at":1,"usage":{"a":18446744073709551615},"pids":{}}]})", false},
         {"no keys", "{}", false},
         {"a list", "[]", false},
         {"null", "null", false},
@@ -88,12 +91,16 @@ TEST(LedgerFile, shapes)
         {"a lone pid", R"({"buckets":[{"at":0,"usage":{},"pids":{"a":1}}]})", false},
         {"one bad bucket among good ones",
          R"({"buckets":[{"at":0,"usage":{},"pids":{}},{"at":0,"usage":[],"pids":{}}]})", false},
-        {"a sum that does not fit",
-         R"({"buckets":[{"at":0,"usage":{"a":18446744073709551615},"pids":{}},{"at":1,"usage":{"a":1},"pids":{}}]})",
-         false},
-        {"large numbers of different applications",
-         R"({"buckets":[{"at":0,"usage":{"a":18446744073709551615},"pids":{}},{"at":1,"usage":{"b":1},"pids":{}}]})",
+        {"as many bytes in several samples and applications",
+         R"({"buckets":[{"at":0,"usage":{"a":4611686018427387900,"b":1},"pids":{}},{"at":1,"usage":{"a":3},"pids":{}}]})",
          true},
+        {"one byte more in another sample",
+         R"({"buckets":[{"at":0,"usage":{"a":4611686018427387904},"pids":{}},{"at":1,"usage":{"a":1},"pids":{}}]})",
+         false},
+        {"one byte more of another application",
+         R"({"buckets":[{"at":0,"usage":{"a":4611686018427387904,"b":1},"pids":{}}]})", false},
+        {"two applications that come to 2^64 together",
+         R"({"buckets":[{"at":0,"usage":{"a":9223372036854775808,"b":9223372036854775808},"pids":{}}]})", false},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -169,7 +176,7 @@ public:
         for (std::uint64_t i = below(4); i > 0; --i) {
             Bucket& bucket = snapshot.buckets.emplace_back();
             bucket.at = Date{Seconds{static_cast<double>(random_() >> (below(3) * 25)) / 1'024.0}};
-            for (std::uint64_t app = below(4); app > 0; --app) bucket.usage[label()] = random_() >> (2 + below(62));
+            for (std::uint64_t app = below(4); app > 0; --app) bucket.usage[label()] = random_() >> (6 + below(58));
             for (std::uint64_t app = below(4); app > 0; --app) {
                 auto& pids = bucket.pids[label()];
                 for (std::uint64_t pid = below(4); pid > 0; --pid)
