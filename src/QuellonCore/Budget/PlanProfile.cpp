@@ -8,6 +8,15 @@
 
 namespace quellon {
 
+namespace {
+
+std::string ownBudgetFile(const UUID& id)
+{
+    return fmt::format("budget-{}.json", id.text());
+}
+
+} // namespace
+
 PlanProfile PlanProfile::makeDefault(std::string name, double planGB, std::int64_t billingCycleStartDay,
                                      UsageProfile usageProfile, std::optional<std::vector<GuardRule>> rules,
                                      IdentifierSource& ids)
@@ -27,7 +36,7 @@ PlanProfile PlanProfile::makeAdditional(std::string name, IdentifierSource& ids)
     const PlanProfile defaults;
     PlanProfile plan = makeDefault(std::move(name), defaults.planGB, defaults.billingCycleStartDay,
                                    defaults.usageProfile, std::nullopt, ids);
-    plan.budgetFile = fmt::format("budget-{}.json", plan.id.text());
+    plan.budgetFile = ownBudgetFile(plan.id);
     return plan;
 }
 
@@ -56,6 +65,7 @@ std::optional<PlanProfile> PlanProfile::fromJson(const Json& json, IdentifierSou
     auto result = fields.result(std::move(plan));
     if (!result) return std::nullopt;
     result->id = id ? *id : ids.next();
+    if (!Persistence::isFreeForBudgets(result->budgetFile)) result->budgetFile = ownBudgetFile(result->id);
     result->rules = rules ? *std::move(rules) : RuleDerivation::defaultRules(result->planGB, result->usageProfile, ids);
     return result;
 }

@@ -24,7 +24,7 @@ struct PlanProfile {
     std::int64_t billingCycleStartDay = 1; ///< The day of the month on which a cycle begins, as the user gave it.
     UsageProfile usageProfile = UsageProfile::developer;
     std::vector<GuardRule> rules;
-    std::string budgetFile{Persistence::budgetFile}; ///< A name in the state folder.
+    std::string budgetFile{Persistence::budgetFile}; ///< Its name in the state folder.
 
     /// A plan with a new identifier on "budget.json". Without `rules` it gets the default ones of its size and usage
     /// profile; that ends the program for a `planGB` that `canHold` refuses.
@@ -39,7 +39,8 @@ struct PlanProfile {
     [[nodiscard]] static bool canHold(double planGB);
 
     /// Each key may be missing: the identifier is then a new one, and the rules are derived from the size and usage
-    /// profile that the plan has. Absent for a size that `canHold` refuses.
+    /// profile that the plan has. A `budgetFile` that is not `Persistence::isFreeForBudgets`, which would put the
+    /// budget in the place of something else, becomes that of a further plan. Absent for a size that `canHold` refuses.
     [[nodiscard]] static std::optional<PlanProfile> fromJson(const Json& json, IdentifierSource& ids);
     /// All keys.
     [[nodiscard]] Json toJson() const;

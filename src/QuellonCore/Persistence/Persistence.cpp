@@ -1,6 +1,7 @@
 #include "QuellonCore/Persistence/Persistence.h"
 
 #include "QuellonCore/Persistence/DebugStateGuard.h"
+#include "QuellonCore/Support/CaseFold.h"
 
 #include <algorithm>
 #include <array>
@@ -12,6 +13,17 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::string_view temporarySuffix = ".tmp";
+
+/// Files of the folder that are no budgets.
+constexpr std::array<std::string_view, 7> otherFiles{
+    Persistence::settingsFile,
+    Persistence::ledgerFile,
+    Persistence::suspendedFile,
+    Persistence::livenessFile,
+    Persistence::enforcementHistoryFile,
+    Persistence::explanationsFile,
+    "notifications.log",
+};
 
 constexpr std::array<std::string_view, 3> testEnvironmentKeys{
     "XCTestConfigurationFilePath",
@@ -45,6 +57,18 @@ fs::path Persistence::resolveDirectory(const std::optional<std::string>& overrid
     return temporary / (std::string{transientPrefix} + std::to_string(pid));
 }
 
+bool Persistence::isPlainName(std::string_view name)
+{
+    constexpr std::string_view notInNames{"/\0", 2};
+    return !name.empty() && name != "." && name != ".." && name.find_first_of(notInNames) == std::string_view::npos;
+}
+
+bool Persistence::isFreeForBudgets(std::string_view name)
+{
+    const auto isSame = [name](std::string_view other) { return equalCaseFolded(name, other); };
+    return isPlainName(name) && !name.ends_with(temporarySuffix) && std::ranges::none_of(otherFiles, isSame);
+}
+
 bool Persistence::isRunningInTestHost(std::string_view processName, const Environment& environment)
 {
     const auto isSet = [&](std::string_view key) { return environment(key).has_value(); };
@@ -55,7 +79,7 @@ bool Persistence::isRunningInTestHost(std::string_view processName, const Enviro
 
 void Persistence::saveText(std::string_view name, const std::function<std::optional<std::string>()>& encode) const
 {
-    if (!files_.createDirectories(directory_)) return;
+    if (!isPlainName(name) || !files_.createDirectories(directory_)) return;
     const auto text = encode();
     if (!text) return;
     // One fixed name is enough: only the main thread saves.
@@ -67,12 +91,12 @@ void Persistence::saveText(std::string_view name, const std::function<std::optio
 
 std::optional<std::string> Persistence::loadText(std::string_view name) const
 {
-    return files_.read(directory_ / name);
+    return isPlainName(name) ? files_.read(directory_ / name) : std::nullopt;
 }
 
 void Persistence::remove(std::string_view name) const
 {
-    files_.remove(directory_ / name);
+    if (isPlainName(name)) files_.remove(directory_ / name);
 }
 
 } // namespace quellon

@@ -15,7 +15,8 @@ namespace quellon {
 
 /// The state files: small JSON files in one folder. Which folder is decided once, so that a process that is not the
 /// real application never touches the user's files. Main thread only. No failure shows: what can't be saved is saved
-/// by the next save, and what can't be read is not there.
+/// by the next save, and what can't be read is not there. A name that is none for a file in the folder is such a
+/// failure: the names of budgets come from a file, and nothing outside of the folder is ever read, written or removed.
 class Persistence {
 public:
     static constexpr std::string_view settingsFile = "settings.json";
@@ -77,6 +78,13 @@ public:
                                                                 const std::filesystem::path& applicationSupport,
                                                                 const std::filesystem::path& temporary,
                                                                 std::int32_t pid);
+
+    /// Whether the name is that of a file in the folder itself: not empty, "." or "..", without a slash or a zero byte.
+    [[nodiscard]] static bool isPlainName(std::string_view name);
+
+    /// Whether a plan's budget may have this name: a plain one that no other file of the program has. Letter case makes
+    /// no difference, as to some file systems.
+    [[nodiscard]] static bool isFreeForBudgets(std::string_view name);
 
     /// Whether a process of this name and environment runs tests: under XCTest, or as one of our test programs.
     [[nodiscard]] static bool isRunningInTestHost(std::string_view processName, const Environment& environment);

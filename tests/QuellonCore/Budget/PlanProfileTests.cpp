@@ -3,6 +3,7 @@
 
 #include "ScriptedParts.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -120,6 +121,38 @@ TEST(PlanProfile, shapes)
         SCOPED_TRACE(c.name);
         EXPECT_EQ(decodePlan(c.text).has_value(), c.isRead);
     }
+}
+
+TEST(PlanProfile, aBudgetNeverTakesThePlaceOfSomethingElse)
+{
+    struct Case {
+        const char* name;
+        const char* file; ///< As it stands in JSON.
+        const char* budgetFile;
+    };
+    constexpr const char* own = "budget-6F9619FF-8B86-4D01-B42D-00CF4FC964FF.json";
+    constexpr Case cases[] = {
+        {"the first plan's", "budget.json", "budget.json"},
+        {"a further plan's", "budget-1.json", "budget-1.json"},
+        {"any other name", "Reise.json", "Reise.json"},
+        {"a folder above", "../../x", own},
+        {"a folder below", "sub/x", own},
+        {"a file of the system", "/etc/x", own},
+        {"no name", "", own},
+        {"the folder itself", ".", own},
+        {"a zero byte", "budget.json\\u0000", own},
+        {"the settings", "settings.json", own},
+        {"what is frozen", "suspended.json", own},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto plan =
+            decodePlan(fmt::format(R"({{"id":"6F9619FF-8B86-4D01-B42D-00CF4FC964FF","budgetFile":"{}"}})", c.file));
+        ASSERT_TRUE(plan);
+        EXPECT_EQ(plan->budgetFile, c.budgetFile);
+    }
+    const auto plan = decodePlan(R"({"budgetFile":""})").value();
+    EXPECT_EQ(plan.budgetFile, "budget-" + plan.id.text() + ".json") << "with the new identifier";
 }
 
 TEST(PlanProfile, comesBackAsItWasWritten)

@@ -137,6 +137,69 @@ TEST(Persistence, savesAndLoads)
     EXPECT_TRUE(host.files().list().empty());
 }
 
+/// Names of other files, folders or nothing; each would lead out of the state folder, or is none for a file in it.
+const std::string notPlainNames[] = {
+    "",
+    ".",
+    "..",
+    "../numbers.json",
+    "../../numbers.json",
+    "/numbers.json",
+    "/",
+    "sub/numbers.json",
+    "sub/..",
+    "./numbers.json",
+    "numbers.json/",
+    std::string{"numbers.json\0", 13},
+    std::string{"\0", 1},
+};
+
+TEST(Persistence, isPlainName)
+{
+    for (const auto& each : notPlainNames) EXPECT_FALSE(Persistence::isPlainName(each)) << each;
+    for (const char* each :
+         {"numbers.json", "...", "..json", ".json", " ", "\\", "C:", "a\nb", "微信.json", "\xFF", "~"}) {
+        EXPECT_TRUE(Persistence::isPlainName(each)) << each;
+    }
+}
+
+TEST(Persistence, nothingOutsideOfTheFolderIsTouched)
+{
+    for (const auto& each : notPlainNames) {
+        SCOPED_TRACE(each);
+        ScriptedHost host;
+        const Persistence persistence{host.host()};
+        const Path folder = persistence.directory();
+        for (const Path& place : {folder, folder / "sub", folder.parent_path(), folder.parent_path().parent_path()}) {
+            host.files().set(place / name, "[7.0]");
+        }
+        host.files().set("/numbers.json", "[7.0]");
+        const auto before = host.files().list();
+        const std::size_t writes = host.files().writes();
+
+        persistence.save(Numbers{1}, each);
+        EXPECT_EQ(persistence.load<Numbers>(each), std::nullopt);
+        EXPECT_EQ(persistence.load(each, fromJson<Numbers>), std::nullopt);
+        persistence.remove(each);
+        EXPECT_EQ(host.files().writes(), writes);
+        EXPECT_EQ(host.files().list(), before);
+    }
+}
+
+TEST(Persistence, isFreeForBudgets)
+{
+    for (const auto& each : notPlainNames) EXPECT_FALSE(Persistence::isFreeForBudgets(each)) << each;
+    for (const char* each : {"settings.json", "ledger.json", "suspended.json", "liveness.json",
+                             "enforcement-history.json", "explanations.json", "notifications.log", "Settings.JSON",
+                             "\u017Fettings.json", "settings.json.tmp", "budget.json.tmp"}) {
+        EXPECT_FALSE(Persistence::isFreeForBudgets(each)) << each;
+    }
+    for (const char* each : {"budget.json", "budget-6F9619FF-8B86-4D01-B42D-00CF4FC964FF.json", "a.json",
+                             "my settings.json", "settings.json2", "Reise 旅行"}) {
+        EXPECT_TRUE(Persistence::isFreeForBudgets(each)) << each;
+    }
+}
+
 TEST(Persistence, loadsWhatTheReaderMakesOfAFile)
 {
     ScriptedHost host;

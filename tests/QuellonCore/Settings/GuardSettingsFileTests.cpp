@@ -291,8 +291,9 @@ private:
     }
     PlanProfile anyPlan()
     {
-        PlanProfile plan{id(), text(), std::abs(number()), static_cast<std::int64_t>(random_()), any(usageProfiles),
-                         {},   text()};
+        PlanProfile plan{
+            id(), text(),          std::abs(number()), static_cast<std::int64_t>(random_()), any(usageProfiles),
+            {},   text() + ".json"};
         for (std::uint64_t i = below(4); i > 0; --i) {
             plan.rules.push_back({id(), Seconds{number()}, random_(), any(actionLevels), flag()});
         }
