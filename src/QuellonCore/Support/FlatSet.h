@@ -24,6 +24,12 @@ public:
     {
         for (const T& value : values) insert(value);
     }
+    /// Of values in any order, any number of times.
+    explicit FlatSet(std::vector<T> values) : values_(std::move(values))
+    {
+        std::sort(values_.begin(), values_.end());
+        values_.erase(std::unique(values_.begin(), values_.end()), values_.end());
+    }
 
     [[nodiscard]] const_iterator begin() const { return values_.begin(); }
     [[nodiscard]] const_iterator end() const { return values_.end(); }
@@ -56,9 +62,8 @@ template <typename T>
 struct JsonCodec<FlatSet<T>> {
     static std::optional<FlatSet<T>> read(const Json& json)
     {
-        FlatSet<T> result;
-        const bool whole = detail::readElements<T>(json, [&](T&& each) { result.insert(std::move(each)); });
-        return whole ? std::optional{std::move(result)} : std::nullopt;
+        auto values = fromJson<std::vector<T>>(json);
+        return values ? std::optional<FlatSet<T>>{std::in_place, *std::move(values)} : std::nullopt;
     }
     static Json write(const FlatSet<T>& value) { return detail::writeElements(value); }
 };

@@ -29,6 +29,12 @@ TEST(FlatSet, isAscendingAndHoldsEachValueOnce)
     EXPECT_EQ((Set{5, 5}).size(), 1U);
 }
 
+TEST(FlatSet, isMadeOfValuesInAnyOrder)
+{
+    EXPECT_EQ(Set(std::vector<std::int32_t>{3, -1, 3, 2, -1}), (Set{-1, 2, 3}));
+    EXPECT_TRUE(Set(std::vector<std::int32_t>{}).empty());
+}
+
 TEST(FlatSet, appendsOnlyWhatIsGreater)
 {
     Set set{4};
