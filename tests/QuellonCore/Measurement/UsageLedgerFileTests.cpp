@@ -99,6 +99,8 @@ TEST(LedgerFile, shapes)
          false},
         {"one byte more of another application",
          R"({"buckets":[{"at":0,"usage":{"a":4611686018427387904,"b":1},"pids":{}}]})", false},
+        {"one byte more, in the form that is written",
+         R"({"buckets":[{"at":0.0,"pids":{},"usage":{"a":4611686018427387904,"b":1}}]})", false},
         {"two applications that come to 2^64 together",
          R"({"buckets":[{"at":0,"usage":{"a":9223372036854775808,"b":9223372036854775808},"pids":{}}]})", false},
     };

@@ -56,6 +56,14 @@ TEST(DebugStateGuard, isolation)
     }
 }
 
+TEST(DebugStateGuard, theRealFolderMayBeALinkItself)
+{
+    ScriptedHost host;
+    host.files().set("/disk/Quellon/ledger.json", "");
+    host.files().link("/data", "/disk");
+    EXPECT_EQ(DebugStateGuard::isolation(host.files(), "/disk/Quellon", "/data/Quellon", "/disk/Quellon"), real);
+}
+
 TEST(DebugStateGuard, current)
 {
     const auto isolation = [](ScriptedHost& host) {

@@ -91,6 +91,10 @@ TEST(GuardSettingsFile, theActivePlan)
     };
     EXPECT_EQ(with(secondID.text()), secondID);
     EXPECT_EQ(with("30000000-0000-0000-0000-000000000000"), firstID) << "the id of no plan";
+
+    const auto untold =
+        decodeSettings(fmt::format(R"({{"profiles":[{{"id":"{}"}},{{"id":"{}"}}]}})", firstID.text(), UUID{}.text()));
+    EXPECT_EQ(untold.value().activeProfileID, firstID) << "the first, also beside an identifier of zeros";
 }
 
 TEST(GuardSettingsFile, memoryOfADeletedPlanIsDropped)

@@ -113,7 +113,7 @@ TEST(GuardSettings, windowsOfTheRules)
         {"no rule", {}, 60.0, 3600.0, 0},
         {"no enabled rule", {rule(30.0, false), rule(7200.0, false)}, 60.0, 3600.0, 0},
         {"one enabled rule of two hours", {rule(7200.0)}, 7200.0, 7200.0, 1},
-        {"the shortest and the longest", {rule(300.0), rule(86'400.0), rule(60.0)}, 60.0, 86'400.0, 3},
+        {"the shortest and the longest", {rule(300.0), rule(86'400.0), rule(60.0), rule(90.0)}, 60.0, 86'400.0, 4},
         {"disabled rules don't count", {rule(10.0, false), rule(120.0), rule(86'400.0, false)}, 120.0, 3600.0, 1},
         {"shorter than the default window", {rule(10.0)}, 10.0, 3600.0, 1},
         {"just an hour", {rule(3600.0)}, 3600.0, 3600.0, 1},
