@@ -250,7 +250,7 @@ OverviewModel picture()
     };
     add("14:03:10", GuardEvent::Kind::info, "📶 wlan0 · gateway 172.20.10.1 (hotspot range)");
     add("13:58:42", GuardEvent::Kind::info, "🏠 eth0 · gateway 192.168.1.1 · not metered");
-    add("13:58:42", GuardEvent::Kind::info, "Quellon Pro started · 0 rules");
+    add("13:58:42", GuardEvent::Kind::info, "Quellon Pro started · 2 rules");
     return model;
 }
 
