@@ -1,6 +1,7 @@
 #include "QuellonCore/Budget/BudgetStore.h"
 
 #include "QuellonCore/Budget/PlanProfile.h"
+#include "QuellonCore/Budget/PlanSize.h"
 #include "QuellonCore/Support/Checked.h"
 #include "QuellonCore/Support/FiledSum.h"
 
@@ -105,8 +106,7 @@ std::string BudgetStore::dayKey(Date date, const Calendar& calendar)
 
 std::uint64_t BudgetStore::planBytes() const
 {
-    constexpr double bytesPerGB = 1024.0 * 1024.0 * 1024.0;
-    return checkedWhole(planGB * bytesPerGB);
+    return checkedWhole(quellon::planBytes(planGB));
 }
 
 Date BudgetStore::cycleStart(Date now, const Calendar& calendar) const

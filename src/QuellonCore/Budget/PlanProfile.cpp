@@ -1,6 +1,8 @@
 #include "QuellonCore/Budget/PlanProfile.h"
 
+#include "QuellonCore/Budget/PlanSize.h"
 #include "QuellonCore/Rules/RuleDerivation.h"
+#include "QuellonCore/Support/Checked.h"
 
 #include <fmt/format.h>
 
@@ -42,10 +44,7 @@ PlanProfile PlanProfile::makeAdditional(std::string name, IdentifierSource& ids)
 
 bool PlanProfile::canHold(double planGB)
 {
-    constexpr double bytesPerGB = 1024.0 * 1024.0 * 1024.0;
-    constexpr double limit = 18'446'744'073'709'551'616.0; // 2^64
-    const double bytes = planGB * bytesPerGB;
-    return bytes > -1.0 && bytes < limit;
+    return fitsWhole(planBytes(planGB));
 }
 
 std::optional<PlanProfile> PlanProfile::fromJson(const Json& json, IdentifierSource& ids)

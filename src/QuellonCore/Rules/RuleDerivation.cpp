@@ -1,5 +1,6 @@
 #include "QuellonCore/Rules/RuleDerivation.h"
 
+#include "QuellonCore/Budget/PlanSize.h"
 #include "QuellonCore/Presentation/MenuPresentation.h"
 #include "QuellonCore/Support/Checked.h"
 
@@ -38,11 +39,10 @@ std::string PendingRuleChange::summary() const
 
 std::uint64_t dailyBudgetBytes(double planGB)
 {
-    constexpr double gigabyte = 1024.0 * 1024.0 * 1024.0;
     constexpr double days = 30.0;
-    const double planBytes = planGB * gigabyte;
-    static_cast<void>(checkedWhole(planBytes)); // a plan beyond a counter is refused, though a thirtieth might fit
-    return checkedWhole(planBytes / days);
+    const double bytes = planBytes(planGB);
+    static_cast<void>(checkedWhole(bytes)); // a plan beyond a counter is refused, though a thirtieth might fit
+    return checkedWhole(bytes / days);
 }
 
 std::vector<GuardRule> defaultRules(double planGB, UsageProfile profile, IdentifierSource& identifiers)

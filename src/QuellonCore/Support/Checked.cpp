@@ -13,10 +13,15 @@ std::uint64_t checkedAdd(std::uint64_t a, std::uint64_t b)
     return a + b;
 }
 
-std::uint64_t checkedWhole(double value)
+bool fitsWhole(double value)
 {
     constexpr double limit = 18'446'744'073'709'551'616.0; // 2^64, the first value that does not fit
-    if (!(value > -1.0 && value < limit)) fatal("number does not fit a byte count");
+    return value > -1.0 && value < limit;
+}
+
+std::uint64_t checkedWhole(double value)
+{
+    if (!fitsWhole(value)) fatal("number does not fit a byte count");
     return static_cast<std::uint64_t>(value);
 }
 

@@ -7,6 +7,9 @@ namespace quellon {
 /// `a` + `b`; `fatal` when the sum does not fit.
 [[nodiscard]] std::uint64_t checkedAdd(std::uint64_t a, std::uint64_t b);
 
+/// Whether `value` cut towards zero fits 64 bits: above -1 and below 2^64.
+[[nodiscard]] bool fitsWhole(double value);
+
 /// `value` cut towards zero; `fatal` when it is not finite, is -1 or less, or too large for the result.
 [[nodiscard]] std::uint64_t checkedWhole(double value);
 
