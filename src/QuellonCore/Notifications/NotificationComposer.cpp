@@ -110,7 +110,7 @@ NotificationPlan loopBreakerPlan(std::string_view app, std::size_t count, std::u
 NotificationPlan blockedAppPlan(std::string_view app, std::uint64_t bytes, const std::optional<BudgetStatus>& budget,
                                 bool seededByPreset, std::size_t asksInLastHour)
 {
-    if (asksInLastHour >= repeatedAsks) return repeatedAskPlan(app, bytes, budget, asksInLastHour);
+    if (asksInLastHour >= repeatedAskThreshold) return repeatedAskPlan(app, bytes, budget, asksInLastHour);
     return {
         .style = NotificationStyle::persistent,
         .title = fmt::format("{} is reaching for the hotspot", plainText(app)),

@@ -17,7 +17,7 @@
 namespace quellon::NotificationComposer {
 
 /// From how many asks within an hour on a blocked application is said to keep coming.
-inline constexpr std::size_t repeatedAsks = 4;
+inline constexpr std::size_t repeatedAskThreshold = 4;
 
 /// For one breach, by the level of its rule; without words for `highlight`.
 [[nodiscard]] NotificationPlan plan(const RuleBreach& breach, const std::optional<BudgetStatus>& budget);
