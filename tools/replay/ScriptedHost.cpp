@@ -1,5 +1,7 @@
 #include "ScriptedHost.h"
 
+#include "QuellonCore/Support/Numbers.h"
+
 namespace quellon {
 
 namespace {
@@ -18,6 +20,15 @@ constexpr int number(RunLoop::Signal signal)
 ScriptedHost::ScriptedHost()
 {
     clock_.set(firstDate);
+    const auto aboutPID = [this](std::string (ScriptedProcesses::*question)(std::int32_t) const) {
+        return [this, question](const std::vector<std::string>& arguments) -> std::optional<std::string> {
+            if (arguments.empty()) return std::nullopt;
+            const auto pid = parseWhole<std::int32_t>(arguments.front());
+            return pid ? (processes_.*question)(*pid) + "\n" : "\n";
+        };
+    };
+    tool(ToolRole::startTime).answers(aboutPID(&ScriptedProcesses::startTime));
+    tool(ToolRole::parent).answers(aboutPID(&ScriptedProcesses::parent));
 }
 
 // Background work in flight uses the other parts, so it ends before they go.

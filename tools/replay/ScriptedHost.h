@@ -14,8 +14,8 @@
 namespace quellon {
 
 /// A whole world in virtual time: no clock, process, file or thread of the real one can be told from it. It begins at
-/// 2026-03-15T10:00:00Z on macOS, with no tool that can be started, no address and no state file. Everything here is
-/// for the main thread.
+/// 2026-03-15T10:00:00Z on macOS, with no tool that can be started but the questions about one process, no address and
+/// no state file. Everything here is for the main thread.
 class ScriptedHost {
 public:
     ScriptedHost();
@@ -51,6 +51,23 @@ public:
     void processName(std::string name) { processes_.name = std::move(name); }
     void processID(std::int32_t id) { processes_.id = id; }
     void metrics(std::optional<ProcessMetrics> metrics) { processes_.weight = metrics; }
+
+    /// The guard's ancestors, nearest first; 850 and 1 at first.
+    void parents(std::vector<std::int32_t> pids) { processes_.parents = std::move(pids); }
+    /// A process that signals and the queries for start and parent see. A second one with the same id replaces it.
+    ScriptedProcess& process(std::int32_t pid, ScriptedProcess process)
+    {
+        return processes_.others.insert_or_assign(pid, std::move(process)).first->second;
+    }
+    /// The process with this id; there must be one.
+    [[nodiscard]] ScriptedProcess& process(std::int32_t pid) { return processes_.others.at(pid); }
+    /// The signals that were sent so far.
+    [[nodiscard]] const std::vector<SentSignal>& signals() const { return processes_.signals; }
+    void clearSignals() { processes_.signals.clear(); }
+    /// The detached children that were started so far.
+    [[nodiscard]] const std::vector<Command>& spawned() const { return processes_.spawned; }
+    /// From now on detached children can be started, or can't.
+    void canSpawn(bool can) { processes_.canSpawn = can; }
 
     /// A signal arrives. Who asked for it is called in the next `advance`; when nobody ever did, it ends the process.
     void raise(RunLoop::Signal signal);

@@ -1,5 +1,6 @@
 #include "ScriptedParts.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace quellon {
@@ -50,6 +51,76 @@ std::optional<std::string> ScriptedProcesses::environment(std::string_view varia
     const auto found = variables.find(variable);
     if (found == variables.end()) return std::nullopt;
     return found->second;
+}
+
+namespace {
+
+class ScriptedReference final : public ProcessReference {
+public:
+    ScriptedReference(ScriptedProcesses& processes, std::int32_t pid) : ProcessReference{pid}, processes_{processes} {}
+
+    [[nodiscard]] bool isAlive() const override
+    {
+        const auto found = processes_.others.find(pid());
+        return pid() > 0 && found != processes_.others.end() && found->second.alive;
+    }
+    bool send(ProcessSignal signal) override
+    {
+        const bool reaches = isAlive() && !processes_.others.at(pid()).denied;
+        if (reaches) take(processes_.others.at(pid()), signal);
+        processes_.signals.push_back({pid(), signal, reaches});
+        return reaches;
+    }
+
+private:
+    static void take(ScriptedProcess& process, ProcessSignal signal)
+    {
+        switch (signal) {
+        case ProcessSignal::stop:
+            process.stopped = true;
+            return;
+        case ProcessSignal::continue_:
+            process.stopped = false;
+            return;
+        case ProcessSignal::terminate:
+            if (process.obeysTerminate) process.alive = false;
+            return;
+        case ProcessSignal::kill:
+            process.alive = false;
+            return;
+        }
+    }
+
+    ScriptedProcesses& processes_;
+};
+
+} // namespace
+
+std::unique_ptr<ProcessReference> ScriptedProcesses::reference(std::int32_t pid)
+{
+    return std::make_unique<ScriptedReference>(*this, pid);
+}
+
+bool ScriptedProcesses::spawnDetached(const Command& command)
+{
+    if (canSpawn) spawned.push_back(command);
+    return canSpawn;
+}
+
+std::string ScriptedProcesses::startTime(std::int32_t pid) const
+{
+    const auto found = others.find(pid);
+    return found != others.end() && found->second.alive ? found->second.start : "";
+}
+
+std::string ScriptedProcesses::parent(std::int32_t pid) const
+{
+    const auto found = others.find(pid);
+    if (found != others.end() && found->second.alive) return std::to_string(found->second.parent);
+    std::vector<std::int32_t> line{id};
+    line.insert(line.end(), parents.begin(), parents.end());
+    const auto place = std::find(line.begin(), line.end(), pid);
+    return place != line.end() && place + 1 != line.end() ? std::to_string(*(place + 1)) : "";
 }
 
 void ScriptedProcesses::exit(int status)

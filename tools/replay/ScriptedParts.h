@@ -73,6 +73,24 @@ public:
     std::vector<InterfaceAddress> addresses;
 };
 
+/// Somebody else's process.
+struct ScriptedProcess {
+    std::string start; ///< What tells it from another process with its id; empty when that can't be read.
+    std::int32_t parent = 1;
+    bool denied = false; ///< It is alive, and this user may not signal it.
+    bool alive = true;
+    bool obeysTerminate = true; ///< SIGTERM ends it, also while it is stopped.
+    bool stopped = false;
+};
+
+/// A signal that was sent.
+struct SentSignal {
+    std::int32_t pid = 0;
+    ProcessSignal signal = ProcessSignal::continue_;
+    bool reached = false;
+    bool operator==(const SentSignal&) const = default;
+};
+
 /// A process that is 900, is called "Quellon", has an empty environment, and does not know what it weighs.
 class ScriptedProcesses final : public ProcessControl {
 public:
@@ -81,10 +99,22 @@ public:
     [[nodiscard]] std::string processName() const override { return name; }
     [[nodiscard]] std::optional<std::string> environment(std::string_view variable) const override;
     [[nodiscard]] std::optional<ProcessMetrics> metrics() const override { return weight; }
+    [[nodiscard]] std::unique_ptr<ProcessReference> reference(std::int32_t pid) override;
+    [[nodiscard]] bool spawnDetached(const Command& command) override;
     /// Keeps the first status. The caller goes on, unlike in a real process, but the run loop runs nothing more.
     void exit(int status) override;
 
+    /// What the system says of the start of `pid`, and of its parent; empty when there is no such process. The guard's
+    /// own ancestors are `parents`.
+    [[nodiscard]] std::string startTime(std::int32_t pid) const;
+    [[nodiscard]] std::string parent(std::int32_t pid) const;
+
     std::int32_t id = 900;
+    std::vector<std::int32_t> parents{850, 1}; ///< Nearest first.
+    std::map<std::int32_t, ScriptedProcess> others;
+    std::vector<SentSignal> signals;
+    std::vector<Command> spawned; ///< The detached children. They never act.
+    bool canSpawn = true;
     std::string name = "Quellon";
     std::map<std::string, std::string, std::less<>> variables;
     std::optional<ProcessMetrics> weight;

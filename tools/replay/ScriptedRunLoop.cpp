@@ -64,6 +64,11 @@ void ScriptedRunLoop::post(Work work)
     main_.post(now(), std::move(work));
 }
 
+void ScriptedRunLoop::postAfter(Seconds delay, Work work)
+{
+    main_.post(now() + Schedule::fromSeconds(delay), std::move(work));
+}
+
 RunLoop::Handle ScriptedRunLoop::after(Seconds delay, Work work)
 {
     return main_.once(now() + Schedule::fromSeconds(delay), std::move(work));

@@ -25,6 +25,7 @@ public:
     ScriptedRunLoop& operator=(const ScriptedRunLoop&) = delete;
 
     void post(Work work) override;
+    void postAfter(Seconds delay, Work work) override;
     [[nodiscard]] Handle after(Seconds delay, Work work) override;
     [[nodiscard]] Handle every(Seconds interval, Work work) override;
     void background(Work work, Work done) override;

@@ -30,6 +30,9 @@ public:
     /// loop ends is dropped without being run.
     virtual void post(Work work) = 0;
 
+    /// Runs `work` once, after `delay` of steady time, and can't be cancelled. The end of the loop drops it. Any thread.
+    virtual void postAfter(Seconds delay, Work work) = 0;
+
     /// Runs `work` once, after `delay` of steady time (a change of the wall clock does not matter).
     [[nodiscard]] virtual Handle after(Seconds delay, Work work) = 0;
 

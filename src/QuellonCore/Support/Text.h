@@ -14,6 +14,15 @@ namespace quellon {
     return text;
 }
 
+/// `text` without the white space at its ends, line ends included.
+[[nodiscard]] constexpr std::string_view stripped(std::string_view text)
+{
+    constexpr std::string_view whiteSpace = " \t\n\v\f\r";
+    const auto first = text.find_first_not_of(whiteSpace);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(whiteSpace) - first + 1);
+}
+
 /// Takes the text up to the next `separator` off the front of `rest`, and the separator with it; all of `rest` when
 /// there is none.
 [[nodiscard]] constexpr std::string_view takeUntil(std::string_view& rest, char separator)

@@ -1,12 +1,18 @@
 #include "QuellonHost/Linux/LinuxProcessControl.h"
 
+#include "QuellonHost/Posix/Descriptor.h"
+
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <initializer_list>
 #include <iterator>
+#include <sys/syscall.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace quellon {
 
@@ -29,6 +35,29 @@ std::optional<std::uint64_t> number(std::string_view text, std::string_view name
     return std::nullopt;
 }
 
+/// A process by a descriptor of it. The C library has these calls only since 2.36.
+class HeldProcess final : public ProcessReference {
+public:
+    HeldProcess(std::int32_t pid, Descriptor descriptor) : ProcessReference{pid}, descriptor_{std::move(descriptor)} {}
+    [[nodiscard]] bool isAlive() const override { return deliver(0) || errno == EPERM; }
+    bool send(ProcessSignal signal) override { return deliver(PosixProcessControl::systemNumber(signal)); }
+
+private:
+    [[nodiscard]] bool deliver(int number) const
+    {
+        return syscall(SYS_pidfd_send_signal, descriptor_.get(), number, nullptr, 0) == 0;
+    }
+    Descriptor descriptor_;
+};
+
+/// A process that did not exist when it was asked for.
+class NoProcess final : public ProcessReference {
+public:
+    using ProcessReference::ProcessReference;
+    [[nodiscard]] bool isAlive() const override { return false; }
+    bool send(ProcessSignal) override { return false; }
+};
+
 std::string content(const char* path)
 {
     std::ifstream file{path, std::ios::binary};
@@ -48,6 +77,15 @@ std::string LinuxProcessControl::processName(std::string_view executable)
     constexpr std::string_view removedMark = " (deleted)";
     if (executable.ends_with(removedMark)) executable.remove_suffix(removedMark.size());
     return std::filesystem::path{executable}.filename().string();
+}
+
+std::unique_ptr<ProcessReference> LinuxProcessControl::reference(std::int32_t pid)
+{
+    if (pid <= 0) return std::make_unique<NoProcess>(pid);
+    Descriptor descriptor{static_cast<int>(syscall(SYS_pidfd_open, pid, 0))}; // closes itself on exec
+    if (descriptor) return std::make_unique<HeldProcess>(pid, std::move(descriptor));
+    if (errno == ESRCH) return std::make_unique<NoProcess>(pid);
+    return PosixProcessControl::reference(pid); // an older kernel, or one out of descriptors
 }
 
 std::optional<ProcessMetrics> LinuxProcessControl::metrics() const

@@ -15,6 +15,10 @@ public:
     /// memory included, or the resident memory where the kernel does not tell.
     [[nodiscard]] std::optional<ProcessMetrics> metrics() const override;
 
+    /// Holds the process by a descriptor (Linux 5.3), which a later owner of the id never gets; by its number where the
+    /// kernel gives none.
+    [[nodiscard]] std::unique_ptr<ProcessReference> reference(std::int32_t pid) override;
+
     /// The same from the two texts. Absent when `status` lacks the resident memory or the threads.
     [[nodiscard]] static std::optional<ProcessMetrics> metrics(std::string_view status, std::string_view smapsRollup);
     /// The last component of what /proc/PID/exe links to, without the kernel's mark of a removed file.

@@ -56,34 +56,63 @@ public:
         posix_spawnattr_destroy(&attributes);
     }
 
+    /// A child with these ends of our pipes; an `input` below 0 leaves it our own standard input.
     [[nodiscard]] bool fill(int output, int input, bool ownGroup)
+    {
+        return setAttributes(ownGroup ? POSIX_SPAWN_SETPGROUP : 0) &&
+               (input < 0 || posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO) == 0) &&
+               posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO) == 0 && openNull(STDERR_FILENO);
+    }
+
+    /// A child in a session of its own, without streams.
+    [[nodiscard]] bool fillDetached()
+    {
+        return setAttributes(POSIX_SPAWN_SETSID) && openNull(STDIN_FILENO) && openNull(STDOUT_FILENO) &&
+               openNull(STDERR_FILENO);
+    }
+
+    posix_spawn_file_actions_t actions{};
+    posix_spawnattr_t attributes{};
+
+private:
+    [[nodiscard]] bool setAttributes(int flags)
     {
         sigset_t defaults;
         sigemptyset(&defaults);
         for (const int number : {SIGTERM, SIGINT, SIGPIPE}) sigaddset(&defaults, number);
         sigset_t none;
         sigemptyset(&none);
-        int flags = POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK;
-        if (ownGroup) flags |= POSIX_SPAWN_SETPGROUP;
+        flags |= POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK;
         return posix_spawnattr_setsigdefault(&attributes, &defaults) == 0 &&
                posix_spawnattr_setsigmask(&attributes, &none) == 0 && posix_spawnattr_setpgroup(&attributes, 0) == 0 &&
-               posix_spawnattr_setflags(&attributes, static_cast<short>(flags)) == 0 &&
-               (input < 0 || posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO) == 0) &&
-               posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO) == 0 &&
-               posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0) == 0;
+               posix_spawnattr_setflags(&attributes, static_cast<short>(flags)) == 0;
     }
 
-    posix_spawn_file_actions_t actions{};
-    posix_spawnattr_t attributes{};
+    [[nodiscard]] bool openNull(int stream)
+    {
+        const int mode = stream == STDIN_FILENO ? O_RDONLY : O_WRONLY;
+        return posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", mode, 0) == 0;
+    }
 };
 
-/// The words as the system wants them; views into `command`.
-std::vector<char*> argumentVector(Command& command)
+/// Starts the command by the plan; absent when that failed.
+std::optional<pid_t> spawn(Command command, SpawnPlan& plan)
 {
     std::vector<char*> words{command.path.data()};
     for (auto& argument : command.arguments) words.push_back(argument.data());
     words.push_back(nullptr);
-    return words;
+    pid_t pid = 0;
+    if (posix_spawn(&pid, words.front(), &plan.actions, &plan.attributes, words.data(), environ) != 0) {
+        return std::nullopt;
+    }
+    return pid;
+}
+
+/// Gives up a child that has not ended.
+void leave(pid_t pid)
+{
+    const std::lock_guard guard{leftovers().lock};
+    leftovers().pids.push_back(pid);
 }
 
 } // namespace
@@ -97,12 +126,18 @@ std::optional<ChildProcess> ChildProcess::start(const Command& command, Options 
 
     SpawnPlan plan;
     if (!plan.fill(output->writeEnd.get(), input->readEnd.get(), options.ownGroup)) return std::nullopt;
-    Command copy = command;
-    pid_t pid = 0;
-    const int error =
-        posix_spawn(&pid, copy.path.c_str(), &plan.actions, &plan.attributes, argumentVector(copy).data(), environ);
-    if (error != 0) return std::nullopt;
-    return ChildProcess{pid, std::move(output->readEnd), std::move(input->writeEnd)};
+    const auto pid = spawn(command, plan);
+    if (!pid) return std::nullopt;
+    return ChildProcess{*pid, std::move(output->readEnd), std::move(input->writeEnd)};
+}
+
+bool ChildProcess::startDetached(const Command& command)
+{
+    SpawnPlan plan;
+    if (!plan.fillDetached()) return false;
+    const auto pid = spawn(command, plan);
+    if (pid) leave(*pid);
+    return pid.has_value();
 }
 
 ChildProcess::ChildProcess(pid_t pid, Descriptor outputEnd, Descriptor inputEnd)
@@ -125,9 +160,7 @@ ChildProcess& ChildProcess::operator=(ChildProcess&& other) noexcept
 
 ChildProcess::~ChildProcess()
 {
-    if (pid_ == 0 || reapNow(pid_)) return;
-    const std::lock_guard guard{leftovers().lock};
-    leftovers().pids.push_back(pid_);
+    if (pid_ != 0 && !reapNow(pid_)) leave(pid_);
 }
 
 void ChildProcess::kill() const

@@ -22,6 +22,10 @@ public:
     /// Absent when it could not be started. Any thread.
     [[nodiscard]] static std::optional<ChildProcess> start(const Command& command, Options options);
 
+    /// Starts a child that leads a session of its own, with its three standard streams on the null device, and leaves
+    /// it to `reapLeftovers`. False when it could not be started. Any thread.
+    [[nodiscard]] static bool startDetached(const Command& command);
+
     ChildProcess(ChildProcess&& other) noexcept;
     ChildProcess& operator=(ChildProcess&& other) noexcept;
     /// A child that was not reaped is left to `reapLeftovers`.

@@ -1,5 +1,9 @@
 #include "QuellonHost/Posix/PosixProcessControl.h"
 
+#include "QuellonHost/Posix/ChildProcess.h"
+
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <unistd.h>
@@ -7,6 +11,21 @@
 extern char** environ; // NOLINT: POSIX leaves the declaration to the program
 
 namespace quellon {
+
+namespace {
+
+/// A process by its number. 0 and negative numbers would mean groups of processes, so they never reach the system.
+class NumberedProcess final : public ProcessReference {
+public:
+    using ProcessReference::ProcessReference;
+    [[nodiscard]] bool isAlive() const override { return pid() > 0 && (::kill(pid(), 0) == 0 || errno == EPERM); }
+    bool send(ProcessSignal signal) override
+    {
+        return pid() > 0 && ::kill(pid(), PosixProcessControl::systemNumber(signal)) == 0;
+    }
+};
+
+} // namespace
 
 PosixProcessControl::PosixProcessControl()
 {
@@ -28,6 +47,32 @@ std::optional<std::string> PosixProcessControl::environment(std::string_view nam
     const auto found = environment_.find(name);
     if (found == environment_.end()) return std::nullopt;
     return found->second;
+}
+
+int PosixProcessControl::systemNumber(ProcessSignal signal)
+{
+    switch (signal) {
+    case ProcessSignal::stop:
+        return SIGSTOP;
+    case ProcessSignal::terminate:
+        return SIGTERM;
+    case ProcessSignal::kill:
+        return SIGKILL;
+    case ProcessSignal::continue_:
+        break;
+    }
+    return SIGCONT;
+}
+
+std::unique_ptr<ProcessReference> PosixProcessControl::reference(std::int32_t pid)
+{
+    return std::make_unique<NumberedProcess>(pid);
+}
+
+bool PosixProcessControl::spawnDetached(const Command& command)
+{
+    ChildProcess::reapLeftovers();
+    return ChildProcess::startDetached(command);
 }
 
 void PosixProcessControl::exit(int status)

@@ -50,6 +50,12 @@ void PosixRunLoop::post(Work work)
     wake();
 }
 
+void PosixRunLoop::postAfter(Seconds delay, Work work)
+{
+    schedule_.post(steadyNow() + Schedule::fromSeconds(delay), std::move(work));
+    wake();
+}
+
 RunLoop::Handle PosixRunLoop::after(Seconds delay, Work work)
 {
     auto handle = schedule_.once(steadyNow() + Schedule::fromSeconds(delay), std::move(work));

@@ -114,6 +114,7 @@ public:
     std::vector<std::pair<Signal, Work>> asked;
 
     void post(Work) override {}
+    void postAfter(Seconds, Work) override {}
     [[nodiscard]] Handle after(Seconds, Work) override { return nullptr; }
     [[nodiscard]] Handle every(Seconds, Work) override { return nullptr; }
     void background(Work, Work) override {}

@@ -26,6 +26,14 @@ TEST(Text, trimmed)
     }
 }
 
+TEST(Text, stripped)
+{
+    EXPECT_EQ(stripped("\r\n\t one two \v\f\n"), "one two");
+    EXPECT_EQ(stripped(" \n"), "");
+    EXPECT_EQ(stripped(""), "");
+    EXPECT_EQ(stripped("\xc2\xa0x"), "\xc2\xa0x"); // a no-break space stays
+}
+
 TEST(Text, takeLineEndsAtLineFeedsOnly)
 {
     std::string_view rest = "one\rstill one\x0b\x0c\xe2\x80\xa8\n\nthree";

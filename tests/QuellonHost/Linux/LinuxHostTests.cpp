@@ -25,6 +25,35 @@ TEST(LinuxProcessControl, processName)
     EXPECT_EQ(LinuxProcessControl{}.processName(), std::filesystem::read_symlink("/proc/self/exe").filename());
 }
 
+TEST(LinuxProcessControl, aDetachedChildHasASessionOfItsOwnAndNoStreams)
+{
+    const testing::TemporaryFolder folder;
+    const auto seen = folder.path() / "seen";
+    LinuxProcessControl control;
+    // Written under another name first, so that the file is whole when it is there.
+    const std::string script = "streams=$(readlink /proc/$$/fd/0 /proc/$$/fd/1 /proc/$$/fd/2); cd " +
+                               folder.path().string() +
+                               " && { echo $$; cut -d' ' -f6 /proc/$$/stat; echo \"$streams\"; } > part; mv part seen";
+    ASSERT_TRUE(control.spawnDetached({"/bin/sh", {"-c", script}}));
+    const auto patience = std::chrono::steady_clock::now() + 20s;
+    while (!std::filesystem::exists(seen) && std::chrono::steady_clock::now() < patience) std::this_thread::yield();
+
+    std::ifstream file{seen};
+    std::string pid;
+    std::string session;
+    std::string streams[3];
+    file >> pid >> session >> streams[0] >> streams[1] >> streams[2];
+    EXPECT_FALSE(pid.empty());
+    EXPECT_EQ(session, pid);
+    for (const auto& stream : streams) EXPECT_EQ(stream, "/dev/null");
+}
+
+TEST(LinuxProcessControl, aDetachedChildThatCannotBeStarted)
+{
+    LinuxProcessControl control;
+    EXPECT_FALSE(control.spawnDetached({"/no/such/program", {}}));
+}
+
 TEST(LinuxProcessControl, metricsFromTheTexts)
 {
     constexpr std::string_view status = "Name:\tVmRSS: 9 kB\nVmRSSX:\t1 kB\nVmRSS:\t   51200 kB\nThreads:\t7\n";
