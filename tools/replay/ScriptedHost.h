@@ -35,6 +35,8 @@ public:
     [[nodiscard]] Seconds elapsed() const { return runLoop_.elapsed(); }
     /// The wall clock jumps; timers keep to virtual time.
     void setClock(Date date) { clock_.set(date); }
+    /// The user's time zone is the one with this IANA name from now on; UTC at first.
+    void setZone(const std::string& name) { clock_.zone = Calendar{name}; }
 
     [[nodiscard]] ScriptedTool& tool(ToolRole role) { return commands_.tool(role); }
     [[nodiscard]] const std::vector<ScriptedRun>& runs() const { return commands_.runs(); }

@@ -23,6 +23,8 @@ class ScriptedClock final : public Clock {
 public:
     explicit ScriptedClock(const ScriptedRunLoop& runLoop) : runLoop_{runLoop} {}
     [[nodiscard]] Date now() const override { return date_ + (runLoop_.elapsed() - setAt_); }
+    [[nodiscard]] Calendar calendar() const override { return zone; }
+    Calendar zone; ///< UTC at first.
     void set(Date date)
     {
         date_ = date;

@@ -31,23 +31,30 @@ GuardEngine::GuardEngine(Host host, Options options)
       interfaceNames_(InterfaceNames::current(host_)),
       capabilities_(options.capabilities ? *options.capabilities
                                          : Capabilities::detect(AppEdition::pro, host_.processes)),
-      ledger_(GuardSettings::leastRetention, settings_.sampleInterval, settings_.direction)
+      ledger_(GuardSettings::leastRetention, settings_.sampleInterval, settings_.direction),
+      selfPIDs_(Enforcer::selfPIDChain(host_)),
+      notifier_(std::move(options.notifier)),
+      autoResumeSeconds_(options.autoResumeSeconds)
 {
-    auto stored = persistence_.load(Persistence::settingsFile, [this](const Json& json) {
-        return GuardSettings::fromJson(json, host_.identifiers);
-    });
-    // Who has a file is past the first run, also when the file is older than the first-run flow.
-    const bool isPromoted = stored && !stored->onboarded;
-    settings_ = stored ? *std::move(stored) : GuardSettings::defaults(host_.identifiers);
-    if (isPromoted) settings_.onboarded = true;
+    const bool isPromoted = loadSettings();
+    const PlanProfile& plan = settings_.activeProfile();
+    auto budget = persistence_.load<BudgetStore>(plan.budgetFile);
+    budgetStorage_ = budget ? *std::move(budget) : freshBudget(plan);
     setUpLedger();
     if (auto saved = persistence_.load<UsageLedger::Snapshot>(Persistence::ledgerFile)) {
         ledger_.restore(std::move(saved->buckets), host_.clock.now());
     }
+    liveness_ = persistence_.load<LivenessStats>(Persistence::livenessFile).value_or(LivenessStats{});
+    enforcementHistory_ =
+        persistence_.load<EnforcementHistory>(Persistence::enforcementHistoryFile).value_or(EnforcementHistory{});
+    recoverOrphansFromPreviousRun();
+    refreshBudget(host_.clock.now());
     if (isPromoted) persistence_.save(settings_, Persistence::settingsFile);
     if (settings_.migratedFromLegacyPlan) {
-        settings_.migratedFromLegacyPlan = false;
-        applySettings();
+        GuardSettings settings = settings_;
+        settings.migratedFromLegacyPlan = false;
+        setSettings(std::move(settings));
+        persistence_.save(settings_, Persistence::settingsFile);
     }
     if (options.autoStart) start();
 }
@@ -76,8 +83,10 @@ void GuardEngine::stop()
 {
     isRunning_ = false;
     timer_.reset();
+    resumeAll(true);
     ledger_.resetAll();
     usage_.clear();
+    chronic_.clear();
     persist();
     append(GuardEvent::Kind::info, "Guard stopped");
 }
@@ -94,6 +103,8 @@ void GuardEngine::restartTimer()
 void GuardEngine::persist()
 {
     persistence_.save(ledger_.snapshot(), Persistence::ledgerFile);
+    persistence_.save(budgetStorage_, settings_.activeProfile().budgetFile);
+    persistence_.save(liveness_, Persistence::livenessFile);
 }
 
 void GuardEngine::append(GuardEvent::Kind kind, std::string message)
@@ -103,30 +114,35 @@ void GuardEngine::append(GuardEvent::Kind kind, std::string message)
     changed();
 }
 
-void GuardEngine::setSettings(const GuardSettings& settings)
-{
-    settings_ = settings;
-    applySettings();
-    changed();
-}
-
-void GuardEngine::setUpLedger()
-{
-    ledger_.setRetention(settings_.requiredRetention(), host_.clock.now());
-    ledger_.setSampleInterval(settings_.sampleInterval);
-    ledger_.direction = settings_.direction;
-}
-
-void GuardEngine::applySettings()
-{
-    setUpLedger();
-    persistence_.save(settings_, Persistence::settingsFile);
-    if (isRunning_) restartTimer();
-}
-
 bool GuardEngine::showsTetherHint() const
 {
     return idleTetherInterface_ && !settings_.tetherHintDismissed;
+}
+
+void GuardEngine::markAlertsSeen()
+{
+    if (!lastAlert_) return;
+    lastAlert_->unread = false;
+    changed();
+}
+
+void GuardEngine::setNotificationCapability(const NotificationCapability& capability)
+{
+    notificationCapability_ = capability;
+    changed();
+}
+
+MenuPresentation::MenuBar GuardEngine::menuBar(Date now) const
+{
+    MenuPresentation::MenuBarState state;
+    state.isRunning = isRunning_;
+    state.isMetered = status_.isMetered;
+    state.meteredOnly = settings_.meteredOnly;
+    state.suspendedCount = suspended_.size();
+    state.alert = lastAlert_;
+    if (budgetStatus_) state.budgetFraction = budgetStatus_->usedFraction();
+    state.idleTether = showsTetherHint();
+    return MenuPresentation::menuBar(state, now);
 }
 
 void GuardEngine::changed()

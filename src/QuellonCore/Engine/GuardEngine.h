@@ -1,6 +1,11 @@
 #pragma once
 
+#include "QuellonCore/Budget/BudgetStatus.h"
+#include "QuellonCore/Budget/BudgetStore.h"
 #include "QuellonCore/Diagnostics/SamplingDiagnostics.h"
+#include "QuellonCore/Enforcement/EnforcementHistory.h"
+#include "QuellonCore/Enforcement/Enforcer.h"
+#include "QuellonCore/Enforcement/SuspendedApp.h"
 #include "QuellonCore/Engine/GuardEvent.h"
 #include "QuellonCore/Host/Host.h"
 #include "QuellonCore/Measurement/AppUsage.h"
@@ -8,14 +13,26 @@
 #include "QuellonCore/Measurement/InterfaceCounter.h"
 #include "QuellonCore/Measurement/InterfaceNames.h"
 #include "QuellonCore/Measurement/MeteredStatus.h"
+#include "QuellonCore/Measurement/ProcessTable.h"
 #include "QuellonCore/Measurement/UsageLedger.h"
+#include "QuellonCore/Notifications/NotificationBatcher.h"
+#include "QuellonCore/Notifications/NotificationCapability.h"
+#include "QuellonCore/Notifications/NotificationPlan.h"
 #include "QuellonCore/Persistence/Persistence.h"
+#include "QuellonCore/Presentation/AppActionSummary.h"
+#include "QuellonCore/Presentation/LivenessStats.h"
+#include "QuellonCore/Presentation/MenuPresentation.h"
+#include "QuellonCore/Rules/BlockedAppTrigger.h"
+#include "QuellonCore/Rules/ProtectionPolicy.h"
+#include "QuellonCore/Rules/RuleBreach.h"
 #include "QuellonCore/Settings/GuardSettings.h"
 
 #include <deque>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -27,10 +44,17 @@ namespace quellon {
 /// inputs leaves it. Views read its fields, call its operations, and are told once a turn that something changed.
 class GuardEngine {
 public:
+    /// A moment per application label.
+    using Dates = std::map<std::string, Date, std::less<>>;
+
     /// How an engine begins.
     struct Options {
         std::optional<Capabilities> capabilities; ///< Absent: detected from the environment for the `pro` edition.
         bool autoStart = true;                    ///< Whether construction ends with `start`.
+        /// Where composed notifications go; called on the main thread. May be empty.
+        std::function<void(const NotificationPlan&)> notifier;
+        /// After how many seconds the watchdog of a freeze thaws it.
+        int autoResumeSeconds = Enforcer::autoResumeSeconds;
     };
 
     /// Everything a tick needs of the world, gathered on a background thread.
@@ -66,12 +90,24 @@ public:
     /// The timer's interval while a metered-only guard is off a metered network.
     static constexpr Seconds idleInterval{30.0};
     /// The timer's least interval, whatever the settings say.
-    static constexpr Seconds shortestInterval{1.0};
+    static constexpr Seconds shortestInterval{0.1};
     /// The least time between two rounds of `persist` by ticks.
     static constexpr Seconds persistInterval{30.0};
+    /// For how long an application is left alone after the guard has stepped in.
+    static constexpr Seconds enforcementCooldown{10.0};
+    /// For how long an application is left alone after a warning, a silent record, or an ask.
+    static constexpr Seconds warningCooldown{300.0};
+    /// The span in which asks about one application are counted for the wording of the next.
+    static constexpr Seconds repeatedAskSpan{3600.0};
+    /// How long warnings are gathered before they go out.
+    static constexpr Seconds batchWindow{5.0};
+    /// Shares of the long and of the short threshold that make a chronic application.
+    static constexpr double chronicLongRatio = 0.5;
+    static constexpr double chronicShortRatio = 0.2;
 
-    /// Reads the state files and the names of the interfaces (blocking for at most four seconds), and starts when
-    /// `options.autoStart` is set. A file that is missing or unreadable gives the defaults. Settings of an older layout
+    /// Reads the state files, thaws what an earlier run left frozen, and starts when `options.autoStart` is set. Blocks
+    /// for the system's tools: the names of the interfaces, the guard's ancestors, and whether a process that was
+    /// frozen is still the same. A file that is missing or unreadable gives the defaults. Settings of an older layout
     /// are written anew.
     GuardEngine(Host host, Options options);
     explicit GuardEngine(Host host) : GuardEngine(std::move(host), Options{}) {}
@@ -81,7 +117,8 @@ public:
 
     /// Starts the timer and queues a first tick. Does nothing while running.
     void start();
-    /// Stops the timer, empties the ledger and saves, also while nothing is running. A tick in flight still applies.
+    /// Stops the timer, thaws everything, empties the ledger and saves, also while nothing is running. A tick in flight
+    /// still applies.
     void stop();
     /// Starts one round: collects off the main thread, then applies. Dropped and counted while a round still runs.
     void tick();
@@ -93,7 +130,56 @@ public:
     void append(GuardEvent::Kind kind, std::string message);
     /// Replaces the settings, which take effect at once and are saved, whether or not a value changed. They must have
     /// a plan.
-    void setSettings(const GuardSettings& settings);
+    void setSettings(GuardSettings settings);
+    /// Replaces the active plan's budget, and saves it.
+    void setBudget(BudgetStore budget);
+    /// Derives `budgetStatus` and `dailyStatus` anew.
+    void refreshBudget(Date now);
+    /// Makes another plan the active one, and remembers it for the metered interface that the machine is on. Does
+    /// nothing for the active plan and for an unknown id.
+    void selectProfile(const UUID& id);
+    /// Adds a plan with the defaults, makes it the active one, and returns its id.
+    UUID addProfile(std::string_view named);
+    /// Removes a plan and its budget; the first other plan becomes active if need be. The last plan, and one that does
+    /// not exist, is left alone. "budget.json" is never removed.
+    void deleteProfile(const UUID& id);
+
+    /// The user's own order: acts at once on every process of these applications that is not protected. Reads the
+    /// process table, and blocks for it. Other than a breach it leaves history, counts and ledger alone.
+    void enforceNow(const std::vector<std::string>& apps, EnforcementAction action);
+    /// Thaws the application and holds it back from the rules for so many minutes, those of the settings when absent;
+    /// not at all for 0 or less.
+    void resume(const SuspendedApp& entry, std::optional<double> snoozeMinutes = {});
+    /// `resume` for each paused application that is named.
+    void resumeApps(const std::vector<std::string>& named, std::optional<double> snoozeMinutes = {});
+    /// Thaws everything, and ends all cool-downs. `silent` leaves the line in the activity log out.
+    void resumeAll(bool silent);
+    /// Holds an application back from the rules for so many minutes, those of the settings when absent. Ends the
+    /// program when the minutes are no whole number of 64 bits.
+    void snooze(std::string_view app, std::optional<double> minutes = {});
+
+    /// Holds an application back until its present transfer has ended.
+    void allowUntilTransferEnds(std::string_view app, Date now);
+    /// Ends that.
+    void resumeWatching(std::string_view app);
+    /// No asking about the application before the coming midnight, which is returned.
+    Date muteAsks(std::string_view app, Date now);
+    void unmuteAsks(std::string_view app);
+    /// The end of a mute; absent when there is none or it is over.
+    [[nodiscard]] std::optional<Date> muteDeadline(std::string_view app, Date now) const;
+    /// Whether the user has put the application aside in any way.
+    [[nodiscard]] bool isHeldByUser(std::string_view app, Date now) const;
+    /// The applications of the ledger that moved most, at most so many.
+    [[nodiscard]] std::vector<AppUsage> recentlySeenApps(std::size_t limit) const;
+    /// What the ledger says of one application.
+    [[nodiscard]] std::uint64_t totalBytes(std::string_view app, Seconds window, Date at) const;
+    /// What the guard has done to one application, and how it stands.
+    [[nodiscard]] AppActionSummary actionSummary(std::string_view app, Date now) const;
+
+    /// The user has seen the latest alert.
+    void markAlertsSeen();
+    /// Whether warnings can reach the user; the notification layer keeps it up to date.
+    void setNotificationCapability(const NotificationCapability& capability);
 
     /// Gathers the inputs of a tick. Blocks for as long as the tools take, reads no engine state; any thread.
     [[nodiscard]] static TickInputs collectInputs(const Host& host, bool meteredOnly, bool canSample);
@@ -118,6 +204,32 @@ public:
     /// When the traffic sample last gave nothing.
     [[nodiscard]] std::optional<Date> lastSampleFailureAt() const { return lastSampleFailureAt_; }
     [[nodiscard]] const GuardSettings& settings() const { return settings_; }
+    /// The active plan's budget.
+    [[nodiscard]] const BudgetStore& budget() const { return budgetStorage_; }
+    [[nodiscard]] const std::optional<BudgetStatus>& budgetStatus() const { return budgetStatus_; }
+    [[nodiscard]] const std::optional<DailyBudgetStatus>& dailyStatus() const { return dailyStatus_; }
+    /// Slow but steady applications, as of the latest sample.
+    [[nodiscard]] const std::set<std::string>& chronic() const { return chronic_; }
+    /// The applications that the guard holds frozen, in freezing order.
+    [[nodiscard]] const std::vector<SuspendedApp>& suspended() const { return suspended_; }
+    [[nodiscard]] const Dates& snoozedUntil() const { return snoozedUntil_; }
+    /// Until when a new breach of an application is ignored.
+    [[nodiscard]] const Dates& cooldown() const { return cooldown_; }
+    [[nodiscard]] const BlockedAppTrigger::TransferWatcher& transferWatcher() const { return transferWatcher_; }
+    /// The latest alert; absent before the first.
+    [[nodiscard]] const std::optional<MenuPresentation::AlertBadge>& lastAlert() const { return lastAlert_; }
+    [[nodiscard]] const LivenessStats& liveness() const { return liveness_; }
+    [[nodiscard]] const EnforcementHistory& enforcementHistory() const { return enforcementHistory_; }
+    /// Why an application was recorded silently.
+    [[nodiscard]] const std::map<std::string, std::string, std::less<>>& protectedReasons() const
+    {
+        return protectedReasons_;
+    }
+    [[nodiscard]] const NotificationCapability& notificationCapability() const { return notificationCapability_; }
+    /// How the guard steps in here: what the settings say, or `warn` where it may not.
+    [[nodiscard]] EnforcementAction effectiveAction() const;
+    /// What stands in the menu bar or tray.
+    [[nodiscard]] MenuPresentation::MenuBar menuBar(Date now) const;
     [[nodiscard]] const UsageLedger& ledger() const { return ledger_; }
     [[nodiscard]] const SamplingDiagnostics& sampling() const { return sampling_; }
     /// True when a tether is idle and the user has not closed the hint about it.
@@ -125,14 +237,44 @@ public:
     [[nodiscard]] const Host& host() const { return host_; }
 
 private:
+    // The order of things.
     void restartTimer();
     void changed();
-    void setUpLedger();
-    void applySettings();
     void applyInterfaceChange();
     void applySample(const TickInputs& inputs, Date now);
+    void recordLiveness(Date now);
     /// `work` for the run loop, which does nothing once the engine is gone.
     RunLoop::Work whileAlive(std::function<void()> work);
+
+    // Settings, plans and budget.
+    bool loadSettings();
+    void applySettings(const GuardSettings& previous);
+    void setUpLedger();
+    void setBudgetStorage(BudgetStore budget);
+    void advanceBudget(const std::optional<InterfaceCounter>& counter, Date now);
+    void swapBudget(const PlanProfile& from, const PlanProfile& to);
+    [[nodiscard]] BudgetStore freshBudget(const PlanProfile& plan) const;
+
+    // The pass over the rules, and the one over the applications that are always blocked.
+    struct Targets;
+    void evaluate(const ProcessTable::Entries& table, Date now);
+    void checkAlwaysBlockedApps(Date now);
+    [[nodiscard]] ProtectionPolicy protection() const;
+    [[nodiscard]] bool isCooling(std::string_view app, Date now) const;
+    void respond(const RuleBreach& breach, const Targets& targets, std::vector<RuleBreach>& warnings, Date now);
+    void enforce(const RuleBreach& breach, const std::vector<std::int32_t>& targets, Date now);
+    void tellOfEnforcement(const RuleBreach& breach, EnforcementAction action, std::size_t count, Date now);
+    void countTrigger(std::string_view app, std::uint64_t bytes, Date now);
+    void deliverWarnings(std::vector<RuleBreach> breaches, Date now);
+    void ask(const std::string& app, std::uint64_t moved, Date now);
+    void notify(const NotificationPlan& plan) const;
+
+    // What is frozen, and what is held.
+    void follow(EnforcementAction action, SuspendedApp entry);
+    void setSnooze(std::string_view app, double minutes);
+    void pruneSuspended();
+    void recoverOrphansFromPreviousRun();
+    void expireMutes(Date now);
 
     Host host_;
     Persistence persistence_;
@@ -141,17 +283,35 @@ private:
     std::optional<InterfaceCounter> interfaceCounter_;
     InterfaceNames::Map interfaceNames_;
     std::vector<AppUsage> usage_;
+    std::set<std::string> chronic_;
     std::deque<GuardEvent> events_;
+    std::vector<SuspendedApp> suspended_;
     bool isRunning_ = false;
     Capabilities capabilities_;
+    std::optional<BudgetStatus> budgetStatus_;
+    std::optional<DailyBudgetStatus> dailyStatus_;
+    Dates snoozedUntil_;
+    std::optional<MenuPresentation::AlertBadge> lastAlert_;
+    LivenessStats liveness_;
     std::optional<Date> lastSampleFailureAt_;
+    std::map<std::string, std::string, std::less<>> protectedReasons_;
     GuardSettings settings_;
+    BudgetStore budgetStorage_;
     UsageLedger ledger_;
     SamplingDiagnostics sampling_;
+    NotificationCapability notificationCapability_;
 
+    Dates cooldown_;
     RunLoop::Handle timer_;
     bool isTicking_ = false;
     Date lastPersistAt_ = distantPast;
+    std::optional<Date> lastLivenessTickAt_;
+    std::set<std::int32_t> selfPIDs_;
+    std::function<void(const NotificationPlan&)> notifier_;
+    int autoResumeSeconds_;
+    NotificationBatcher batcher_{batchWindow};
+    EnforcementHistory enforcementHistory_;
+    BlockedAppTrigger::TransferWatcher transferWatcher_;
     std::vector<Observation*> observations_;
     bool tellsObservers_ = false;
     std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);

@@ -1,3 +1,4 @@
+#include "QuellonCore/Budget/ProfileAutoSwitch.h"
 #include "QuellonCore/Diagnostics/GuardLog.h"
 #include "QuellonCore/Engine/GuardEngine.h"
 #include "QuellonCore/Measurement/MeteredNetwork.h"
@@ -5,6 +6,7 @@
 #include "QuellonCore/Measurement/ProcessTable.h"
 #include "QuellonCore/Measurement/Shell.h"
 #include "QuellonCore/Measurement/TetherDetector.h"
+#include "QuellonCore/Rules/RuleEvaluator.h"
 #include "QuellonCore/Support/Text.h"
 
 #include <fmt/format.h>
@@ -74,6 +76,7 @@ void GuardEngine::apply(const TickInputs& inputs)
         usage_ = ledger_.totals(settings_.primaryWindow(), host_.clock.now());
         return;
     }
+    advanceBudget(inputs.interfaceCounter, host_.clock.now());
     if (!capabilities_.canSampleTraffic) {
         usage_.clear();
         return;
@@ -88,6 +91,15 @@ void GuardEngine::applyInterfaceChange()
         append(GuardEvent::Kind::info, (status_.isMetered ? "📶 " : "🏠 ") + status_.detail);
     }
     restartTimer();
+
+    const auto id = ProfileAutoSwitch::decide(status_.interface, status_.isMetered, settings_.lastProfileByInterface,
+                                              settings_.activeProfileID, settings_.profiles);
+    if (!id) return;
+    GuardSettings settings = settings_;
+    settings.activeProfileID = *id;
+    setSettings(std::move(settings));
+    append(GuardEvent::Kind::info, fmt::format("Switched to plan profile \"{}\" (remembered for {})",
+                                               settings_.activeProfile().name, status_.interface));
 }
 
 void GuardEngine::applySample(const TickInputs& inputs, Date now)
@@ -102,9 +114,30 @@ void GuardEngine::applySample(const TickInputs& inputs, Date now)
                         "per-app sample unavailable — ledger gets no data this round");
     }
     usage_ = ledger_.totals(settings_.primaryWindow(), now);
+    chronic_ = RuleEvaluator::chronicApps(
+        settings_.rules(), [&](Seconds window) { return ledger_.totals(window, now); }, chronicLongRatio,
+        chronicShortRatio);
+    recordLiveness(now);
+    std::erase_if(snoozedUntil_, [now](const auto& each) { return !(each.second > now); });
+    expireMutes(now);
+    evaluate(table, now);
+    pruneSuspended();
+    refreshBudget(now);
     if (now - lastPersistAt_ >= persistInterval) {
         lastPersistAt_ = now;
         persist();
+    }
+}
+
+void GuardEngine::recordLiveness(Date now)
+{
+    liveness_.recordGuardedTime(lastLivenessTickAt_, now);
+    lastLivenessTickAt_ = now;
+    for (const GuardRule& rule : settings_.rules()) {
+        if (!rule.enabled) continue;
+        const auto totals = ledger_.totals(rule.windowSeconds, now);
+        if (totals.empty()) continue;
+        liveness_.record(totals.front().app, totals.front().bytes, rule.windowLabel(), now);
     }
 }
 

@@ -45,6 +45,13 @@ std::int64_t checkedSubtract(std::int64_t a, std::int64_t b)
     return a - b;
 }
 
+std::int64_t checkedWholeSigned(double value)
+{
+    constexpr double limit = 9'223'372'036'854'775'808.0; // 2^63, the first value that does not fit
+    if (!(value >= -limit && value < limit)) fatal("number does not fit a whole number of 64 bits");
+    return static_cast<std::int64_t>(value);
+}
+
 std::int64_t nearestWhole(double value)
 {
     constexpr double limit = 9'223'372'036'854'775'808.0; // 2^63, the first value that does not fit

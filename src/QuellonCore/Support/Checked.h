@@ -20,6 +20,9 @@ namespace quellon {
 [[nodiscard]] std::int64_t checkedAdd(std::int64_t a, std::int64_t b);
 [[nodiscard]] std::int64_t checkedSubtract(std::int64_t a, std::int64_t b);
 
+/// `value` cut towards zero; `fatal` when it is not finite or does not fit.
+[[nodiscard]] std::int64_t checkedWholeSigned(double value);
+
 /// `value` cut towards zero; the nearest number that fits when it is too large or too small. `fatal` when it is not
 /// finite.
 [[nodiscard]] std::int64_t nearestWhole(double value);

@@ -32,9 +32,9 @@ public:
     [[nodiscard]] static std::filesystem::path findProbe(const std::filesystem::path& executableFolder);
 
 private:
-    SystemClock clock_;
     JournalLog log_;
     LinuxProcessControl processes_;
+    SystemClock clock_{processes_};
     PosixFileStore files_{processes_, PosixFileStore::DataFolder::xdg};
     PosixInterfaceAddresses addresses_;
     RandomIdentifiers identifiers_;

@@ -24,9 +24,9 @@ public:
     [[nodiscard]] PosixRunLoop& runLoop() { return runLoop_; }
 
 private:
-    SystemClock clock_;
     UnifiedLog log_;
     MacProcessControl processes_;
+    SystemClock clock_{processes_};
     PosixFileStore files_{processes_, PosixFileStore::DataFolder::library};
     PosixInterfaceAddresses addresses_;
     RandomIdentifiers identifiers_;

@@ -75,7 +75,12 @@ struct EngineWorld {
                            interface, in, out);
     }
 
-    GuardEngine::Options stopped() const { return {.capabilities = {}, .autoStart = false}; }
+    GuardEngine::Options stopped() const
+    {
+        GuardEngine::Options options;
+        options.autoStart = false;
+        return options;
+    }
 };
 
 /// The messages of the activity log, oldest first.

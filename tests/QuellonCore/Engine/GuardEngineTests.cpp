@@ -26,8 +26,9 @@ TEST(GuardEngine, fieldsAtConstruction)
     EXPECT_EQ(engine.sampling(), SamplingDiagnostics{});
     EXPECT_TRUE(engine.capabilities().canSampleTraffic);
     EXPECT_EQ(engine.capabilities().edition, AppEdition::pro);
-    ASSERT_EQ(world.host.runs().size(), 1U);
-    EXPECT_EQ(world.host.runs()[0].command.path, "/usr/sbin/networksetup");
+    EXPECT_EQ(world.host.runs().front().command.path, "/usr/sbin/networksetup");
+    EXPECT_EQ(world.host.runs(ToolRole::parent), 2U);
+    EXPECT_EQ(world.host.runs().size(), 3U);
 }
 
 TEST(GuardEngine, interfaceNamesAreEmptyWhenTheirToolFails)

@@ -30,7 +30,7 @@ TEST(Tick, aMeteredRoundRunsItsToolsInOrder)
     EngineWorld world;
     GuardEngine engine{world.host};
     world.host.advance(0s);
-    EXPECT_THAT(toolNames(world.host), ElementsAre("networksetup", "route", "netstat", "nettop", "ps"))
+    EXPECT_THAT(toolNames(world.host), ElementsAre("networksetup", "ps", "ps", "route", "netstat", "nettop", "ps"))
         << "a gateway in the hotspot range needs no ifconfig";
     EXPECT_EQ(engine.status(), (MeteredStatus{true, "en0", "en0 · gateway 172.20.10.1 (hotspot range)"}));
     EXPECT_EQ(engine.interfaceCounter(), (InterfaceCounter{5'000, 700}));
@@ -45,7 +45,7 @@ TEST(Tick, offAMeteredNetworkNeitherSamplerRuns)
     world.host.setAddresses({{"en0", "192.168.1.7"}, {"en5", "172.20.10.4"}});
     GuardEngine engine{world.host};
     world.host.advance(0s);
-    EXPECT_THAT(toolNames(world.host), ElementsAre("networksetup", "route", "ifconfig"));
+    EXPECT_THAT(toolNames(world.host), ElementsAre("networksetup", "ps", "ps", "route", "ifconfig"));
     EXPECT_EQ(engine.idleTetherInterface(), "en5");
     EXPECT_TRUE(engine.showsTetherHint());
     EXPECT_EQ(engine.interfaceCounter(), std::nullopt);
@@ -60,7 +60,7 @@ TEST(Tick, aGuardForAllNetworksSamplesAtHomeToo)
     world.storeSettings(R"({"meteredOnly":false})");
     GuardEngine engine{world.host};
     world.host.advance(0s);
-    EXPECT_THAT(toolNames(world.host), ElementsAre("networksetup", "route", "ifconfig", "nettop", "ps"));
+    EXPECT_THAT(toolNames(world.host), ElementsAre("networksetup", "ps", "ps", "route", "ifconfig", "nettop", "ps"));
     world.moves(1'500, 10);
     world.host.advance(5s);
     ASSERT_EQ(engine.usage().size(), 1U);

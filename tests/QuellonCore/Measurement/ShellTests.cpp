@@ -27,6 +27,7 @@ public:
         return result_;
     }
     [[nodiscard]] Date now() const override { return Date{Seconds{now_}}; }
+    [[nodiscard]] Calendar calendar() const override { return {}; }
 
     std::atomic<double> budget{0};
 
