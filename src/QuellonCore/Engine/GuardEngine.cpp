@@ -34,6 +34,7 @@ GuardEngine::GuardEngine(Host host, Options options)
       ledger_(GuardSettings::leastRetention, settings_.sampleInterval, settings_.direction),
       selfPIDs_(Enforcer::selfPIDChain(host_)),
       notifier_(std::move(options.notifier)),
+      onEvent_(std::move(options.onEvent)),
       autoResumeSeconds_(options.autoResumeSeconds)
 {
     const bool isPromoted = loadSettings();
@@ -111,6 +112,7 @@ void GuardEngine::append(GuardEvent::Kind kind, std::string message)
 {
     events_.push_front({host_.identifiers.next(), host_.clock.now(), kind, std::move(message)});
     if (events_.size() > eventCapacity) events_.resize(eventCapacity);
+    if (onEvent_) onEvent_(events_.front());
     changed();
 }
 

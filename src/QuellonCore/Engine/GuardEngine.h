@@ -53,6 +53,8 @@ public:
         bool autoStart = true;                    ///< Whether construction ends with `start`.
         /// Where composed notifications go; called on the main thread. May be empty.
         std::function<void(const NotificationPlan&)> notifier;
+        /// Told of each line of the activity log as it is added; called on the main thread. May be empty.
+        std::function<void(const GuardEvent&)> onEvent;
         /// After how many seconds the watchdog of a freeze thaws it.
         int autoResumeSeconds = Enforcer::autoResumeSeconds;
     };
@@ -308,6 +310,7 @@ private:
     std::optional<Date> lastLivenessTickAt_;
     std::set<std::int32_t> selfPIDs_;
     std::function<void(const NotificationPlan&)> notifier_;
+    std::function<void(const GuardEvent&)> onEvent_;
     int autoResumeSeconds_;
     NotificationBatcher batcher_{batchWindow};
     EnforcementHistory enforcementHistory_;

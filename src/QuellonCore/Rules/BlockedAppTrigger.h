@@ -42,6 +42,18 @@ public:
     /// How long an application may stay below the floor. Nor may it go unobserved for longer.
     static constexpr Seconds quietSeconds{120.0};
 
+    /// An exception that stands.
+    struct Allowance {
+        std::optional<Date> quietSince; ///< When it fell below the floor; absent while it is moving data.
+        Date lastObservedAt;
+        bool operator==(const Allowance&) const = default;
+    };
+    /// By application label.
+    using Allowances = std::map<std::string, Allowance, std::less<>>;
+
+    /// Those that stand, whether or not they have run out by now.
+    [[nodiscard]] const Allowances& allowances() const { return allowances_; }
+
     /// A new allowance, which takes the place of an earlier one.
     void allow(std::string_view app, Date at);
     void cancel(std::string_view app);
@@ -56,13 +68,7 @@ public:
     bool operator==(const TransferWatcher&) const = default;
 
 private:
-    struct Allowance {
-        std::optional<Date> quietSince; ///< When it fell below the floor; absent while it is moving data.
-        Date lastObservedAt;
-        bool operator==(const Allowance&) const = default;
-    };
-
-    std::map<std::string, Allowance, std::less<>> allowances_; ///< By application label.
+    Allowances allowances_;
 };
 
 } // namespace quellon::BlockedAppTrigger
