@@ -50,6 +50,7 @@ bool MemoryFileStore::replace(const Path& from, const Path& to)
     links_.erase(target);
     files_[target] = std::move(found->second);
     files_.erase(source);
+    if (observer_ != nullptr) observer_->saved(target);
     return true;
 }
 
@@ -57,7 +58,9 @@ bool MemoryFileStore::remove(const Path& file)
 {
     const Path path = canonical(file.parent_path()) / file.filename();
     if (failsRemoves_) return false;
-    return links_.erase(path) + files_.erase(path) > 0;
+    if (links_.erase(path) + files_.erase(path) == 0) return false;
+    if (observer_ != nullptr) observer_->removed(path);
+    return true;
 }
 
 bool MemoryFileStore::createDirectories(const Path& directory)

@@ -2,6 +2,7 @@
 
 #include "QuellonCore/Host/FileStore.h"
 #include "QuellonCore/Host/Platform.h"
+#include "ScriptedObserver.h"
 
 #include <cstdint>
 #include <map>
@@ -54,6 +55,9 @@ public:
     /// The platform names no folder for application data.
     void noApplicationSupport() { hasApplicationSupport_ = false; }
 
+    /// From now on told of what changes; null for nobody.
+    void observe(ScriptedObserver* observer) { observer_ = observer; }
+
     /// How often each has succeeded or failed since construction.
     [[nodiscard]] std::size_t writes() const { return writes_; }
     [[nodiscard]] std::size_t replaces() const { return replaces_; }
@@ -64,6 +68,7 @@ private:
     std::map<Path, Path> links_;
     std::set<Path> directories_;
     std::optional<std::uint64_t> limit_;
+    ScriptedObserver* observer_ = nullptr;
     std::size_t writes_ = 0;
     std::size_t replaces_ = 0;
     bool hasApplicationSupport_ = true;

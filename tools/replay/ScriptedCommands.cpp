@@ -63,6 +63,7 @@ CommandResult ScriptedCommandRunner::run(const Command& command, Seconds timeout
         if (!text) return {};
         result.output = std::move(*text);
     }
+    if (observer_ != nullptr) observer_->ran(command);
     if (result.outcome == Outcome::timedOut || duration > timeout) {
         result = {Outcome::timedOut, {}};
         duration = timeout;

@@ -3,6 +3,7 @@
 #include "QuellonCore/Host/CommandRunner.h"
 #include "QuellonCore/Host/LogSink.h"
 #include "QuellonCore/Host/Platform.h"
+#include "ScriptedObserver.h"
 #include "ScriptedRunLoop.h"
 
 #include <array>
@@ -61,6 +62,8 @@ public:
     /// How many of them were of this role.
     [[nodiscard]] std::size_t runs(ToolRole role) const;
     void clearRuns() { runs_.clear(); }
+    /// From now on told of what is started; null for nobody.
+    void observe(ScriptedObserver* observer) { observer_ = observer; }
 
 private:
     ScriptedRunLoop& runLoop_;
@@ -68,6 +71,7 @@ private:
     const Platform& platform_;
     std::array<ScriptedTool, toolRoleCount> tools_;
     std::vector<ScriptedRun> runs_;
+    ScriptedObserver* observer_ = nullptr;
 
     [[nodiscard]] std::optional<std::size_t> role(const Command& command) const;
 };

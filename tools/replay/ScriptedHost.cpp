@@ -9,6 +9,9 @@ namespace {
 constexpr Date firstDate{std::chrono::sys_days{std::chrono::year{2026} / 3 / 15}.time_since_epoch() +
                          std::chrono::hours{10} - referenceDateSince1970};
 
+/// What a shell reports of a process that a signal ended is this and the signal's number.
+constexpr int endedBySignal = 128;
+
 /// As the system numbers it.
 constexpr int number(RunLoop::Signal signal)
 {
@@ -31,9 +34,11 @@ ScriptedHost::ScriptedHost()
     tool(ToolRole::parent).answers(aboutPID(&ScriptedProcesses::parent));
 }
 
-// Background work in flight uses the other parts, so it ends before they go.
+// Background work in flight uses the other parts, so it ends before they go. Nobody is told of that: in a real process
+// it would never have happened.
 ScriptedHost::~ScriptedHost()
 {
+    observe(nullptr);
     runLoop_.finish();
 }
 
@@ -44,8 +49,30 @@ Host ScriptedHost::host()
 
 void ScriptedHost::raise(RunLoop::Signal signal)
 {
-    constexpr int endedBySignal = 128;
     if (!runLoop_.raise(signal)) processes_.exit(endedBySignal + number(signal));
+}
+
+void ScriptedHost::deliver(RunLoop::Signal signal)
+{
+    if (!runLoop_.deliver(signal)) processes_.exit(endedBySignal + number(signal));
+}
+
+void ScriptedHost::restart()
+{
+    ScriptedObserver* const observer = observer_;
+    observe(nullptr);
+    runLoop_.restart();
+    processes_.exitStatus.reset();
+    observe(observer);
+}
+
+void ScriptedHost::observe(ScriptedObserver* observer)
+{
+    observer_ = observer;
+    files_.observe(observer);
+    log_.observe(observer);
+    processes_.observe(observer);
+    commands_.observe(observer);
 }
 
 } // namespace quellon

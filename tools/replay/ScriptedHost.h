@@ -73,6 +73,14 @@ public:
 
     /// A signal arrives. Who asked for it is called in the next `advance`; when nobody ever did, it ends the process.
     void raise(RunLoop::Signal signal);
+    /// The same, but at once, ahead of everything that is due.
+    void deliver(RunLoop::Signal signal);
+    /// The process is gone, whatever it was doing, and a new one begins in the same world. What the old one left on the
+    /// run loop never runs; its engine must be gone. Observers hear nothing of the end of its background work.
+    void restart();
+    /// From now on told of every effect; null for nobody. It must live as long as that.
+    void observe(ScriptedObserver* observer);
+
     /// How the process ended; absent while it runs. 128 and the signal's number for an end by signal.
     [[nodiscard]] std::optional<int> exitStatus() const { return processes_.exitStatus; }
 
@@ -86,6 +94,7 @@ private:
     ScriptedClock clock_{runLoop_};
     ScriptedProcesses processes_{runLoop_};
     ScriptedCommandRunner commands_{runLoop_, log_, platform_};
+    ScriptedObserver* observer_ = nullptr;
 };
 
 } // namespace quellon

@@ -9,6 +9,7 @@ void ScriptedLog::write(std::string_view category, LogLevel level, std::string_v
 {
     const std::lock_guard guard{lock_};
     lines_.push_back({std::string{category}, level, std::string{message}});
+    if (observer_ != nullptr) observer_->logged(category, level, message);
 }
 
 std::vector<LogLine> ScriptedLog::lines() const
@@ -68,7 +69,7 @@ public:
     {
         const bool reaches = isAlive() && !processes_.others.at(pid()).denied;
         if (reaches) take(processes_.others.at(pid()), signal);
-        processes_.signals.push_back({pid(), signal, reaches});
+        processes_.noteSignal({pid(), signal, reaches});
         return reaches;
     }
 
@@ -103,8 +104,16 @@ std::unique_ptr<ProcessReference> ScriptedProcesses::reference(std::int32_t pid)
 
 bool ScriptedProcesses::spawnDetached(const Command& command)
 {
-    if (canSpawn) spawned.push_back(command);
-    return canSpawn;
+    if (!canSpawn) return false;
+    spawned.push_back(command);
+    if (observer_ != nullptr) observer_->spawned(command);
+    return true;
+}
+
+void ScriptedProcesses::noteSignal(const SentSignal& signal)
+{
+    signals.push_back(signal);
+    if (observer_ != nullptr) observer_->signalled(signal);
 }
 
 std::string ScriptedProcesses::startTime(std::int32_t pid) const

@@ -5,6 +5,7 @@
 #include "QuellonCore/Host/InterfaceAddresses.h"
 #include "QuellonCore/Host/LogSink.h"
 #include "QuellonCore/Host/ProcessControl.h"
+#include "ScriptedObserver.h"
 #include "ScriptedRunLoop.h"
 
 #include <cstdint>
@@ -54,10 +55,13 @@ public:
     /// The messages of one category.
     [[nodiscard]] std::vector<std::string> messages(std::string_view category) const;
     void clear();
+    /// From now on told of each line; null for nobody.
+    void observe(ScriptedObserver* observer) { observer_ = observer; }
 
 private:
     mutable std::mutex lock_;
     std::vector<LogLine> lines_;
+    ScriptedObserver* observer_ = nullptr;
 };
 
 /// The identifiers 00000000-0000-4000-8000-000000000001 and up.
@@ -105,6 +109,9 @@ public:
     [[nodiscard]] bool spawnDetached(const Command& command) override;
     /// Keeps the first status. The caller goes on, unlike in a real process, but the run loop runs nothing more.
     void exit(int status) override;
+    /// From now on told of signals and of detached children; null for nobody.
+    void observe(ScriptedObserver* observer) { observer_ = observer; }
+    void noteSignal(const SentSignal& signal);
 
     /// What the system says of the start of `pid`, and of its parent; empty when there is no such process. The guard's
     /// own ancestors are `parents`.
@@ -124,6 +131,7 @@ public:
 
 private:
     ScriptedRunLoop& runLoop_;
+    ScriptedObserver* observer_ = nullptr;
 };
 
 } // namespace quellon

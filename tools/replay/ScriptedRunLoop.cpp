@@ -106,6 +106,23 @@ bool ScriptedRunLoop::raise(Signal signal)
     return handlers.asked;
 }
 
+bool ScriptedRunLoop::deliver(Signal signal)
+{
+    const auto handlers = signals_[static_cast<std::size_t>(signal)];
+    for (const auto& each : handlers.works) {
+        if (const auto work = each.lock()) (*work)();
+    }
+    return handlers.asked;
+}
+
+void ScriptedRunLoop::restart()
+{
+    finish();
+    signals_ = {};
+    finishing_ = false;
+    ended_ = false;
+}
+
 void ScriptedRunLoop::advance(Seconds duration)
 {
     const auto until = now() + Schedule::fromSeconds(duration);

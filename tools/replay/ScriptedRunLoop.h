@@ -51,8 +51,15 @@ public:
     /// for, in which case it ends a real process.
     [[nodiscard]] bool raise(Signal signal);
 
+    /// As `raise`, but at once, ahead of everything that is due: the main thread was waiting for something to do.
+    [[nodiscard]] bool deliver(Signal signal);
+
     /// The process has ended: nothing is run any more.
     void end() { ended_ = true; }
+
+    /// As `finish`; then a new process begins at this moment of virtual time, with nothing scheduled and no signal
+    /// asked for. Main thread only, and not from within scheduled work.
+    void restart();
 
 private:
     struct Worker;
