@@ -53,6 +53,7 @@ LAYERS = {
                          (STANDARD, FMT, POSIX, QT)),
     "tools/replay": Layer(("QuellonCore/",), CORE_OTHERS),
     "tests/QuellonCore": Layer(("QuellonCore/",), (*CORE_OTHERS, r"g(test|mock)/.+"), ("tools/replay", "tests")),
+    "tests/QuellonReplay": Layer(("QuellonCore/",), (*CORE_OTHERS, r"g(test|mock)/.+"), ("tools/replay", "tests")),
     "tests/QuellonEndurance": Layer(("QuellonCore/",), (*CORE_OTHERS, POSIX, r"g(test|mock)/.+", r"malloc\.h"),
                                     ("tools/replay", "tests")),
 }
