@@ -26,7 +26,8 @@ public:
     /// limit, and a second signal meanwhile has no effect.
     void install();
 
-    /// Every guard that was installed, in that order. Only tests take one out.
+    /// Every guard that was installed, in that order. Only a scripted world, whose processes end without ending the
+    /// program, takes one out.
     [[nodiscard]] static std::vector<std::shared_ptr<TerminationGuard>>& installed();
 
 private:
