@@ -69,7 +69,7 @@ int run(char** arguments, const ProgramOptions& options)
     QuellonApp app;
     OverviewWindow window;
     const auto refresh = [&app, &window] {
-        window.setModel(OverviewModel::of(app.engine(), app.engine().host().clock.now(), app.calendar()));
+        window.setModel(OverviewModel::of(app.engine(), app.engine().host().clock.now()));
     };
     const GuardEngine::Observation observation{app.engine(), refresh};
     refresh();

@@ -1,7 +1,6 @@
 #include "Quellon/QuellonApp.h"
 
 #include "Quellon/AppDelegate.h"
-#include "QuellonHost/Posix/TimeZone.h"
 #include "QuellonTerminal/PlainView.h"
 #include "QuellonTerminal/TerminalView.h"
 
@@ -20,9 +19,16 @@ bool wantsColours(const ProcessControl& processes)
     return processes.environment("NO_COLOR").value_or("").empty();
 }
 
+GuardEngine::Options engineOptions(NotificationFeed& notifications)
+{
+    GuardEngine::Options options;
+    options.notifier = [&notifications](const NotificationPlan& plan) { notifications.deliver(plan); };
+    return options;
+}
+
 } // namespace
 
-QuellonApp::QuellonApp() : calendar_(TimeZone::current(host_.host().processes)), engine_(host_.host())
+QuellonApp::QuellonApp() : engine_(host_.host(), engineOptions(notifications_))
 {
     // Before any view: from here on a signal ends the program by way of the clean-up.
     AppDelegate::applicationDidFinishLaunching(host_.host());
@@ -35,7 +41,7 @@ int QuellonApp::runTerminal(const ProgramOptions& options)
     std::unique_ptr<TerminalView> view;
     AppDelegate::cleanup = [&view] { view.reset(); };
     view = TerminalView::open(
-        engine_, calendar_, viewOptions,
+        engine_, notifications_, viewOptions,
         [this](int descriptor, RunLoop::Work ready) { return runLoop().watch(descriptor, std::move(ready)); },
         [this] { runLoop().quit(); });
     if (!view) {
@@ -49,7 +55,7 @@ int QuellonApp::runTerminal(const ProgramOptions& options)
 int QuellonApp::runPlain(const ProgramOptions& options)
 {
     int status = ExitStatus::success;
-    const PlainView view{engine_, calendar_, STDOUT_FILENO, [this, &status](PlainView::End end) {
+    const PlainView view{engine_, notifications_, STDOUT_FILENO, [this, &status](PlainView::End end) {
                              if (end == PlainView::End::failed) {
                                  std::fputs("Quellon: standard output can't be written.\n", stderr);
                                  status = ExitStatus::outputFailed;

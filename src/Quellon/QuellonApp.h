@@ -2,7 +2,7 @@
 
 #include "Quellon/ProgramOptions.h"
 #include "QuellonCore/Engine/GuardEngine.h"
-#include "QuellonCore/Support/Calendar.h"
+#include "QuellonCore/Notifications/NotificationFeed.h"
 #include "QuellonHost/SystemHost.h"
 
 namespace quellon {
@@ -23,11 +23,10 @@ public:
 
     [[nodiscard]] PosixRunLoop& runLoop() { return host_.runLoop(); }
     [[nodiscard]] GuardEngine& engine() { return engine_; }
-    [[nodiscard]] const Calendar& calendar() const { return calendar_; }
 
 private:
     SystemHost host_;
-    Calendar calendar_;
+    NotificationFeed notifications_;
     GuardEngine engine_;
 
     /// The run loop's life, up to the ordinary end.

@@ -48,6 +48,8 @@ constexpr Look look(Style style)
         return {A_BOLD, COLOR_YELLOW};
     case Style::enforced:
         return {A_BOLD, COLOR_RED};
+    case Style::selected:
+        return {A_REVERSE, ownColour};
     }
     return {A_NORMAL, ownColour};
 }

@@ -1,6 +1,6 @@
 #include "QuellonTerminal/PlainLines.h"
 
-#include "QuellonCore/Presentation/PlainText.h"
+#include "QuellonCore/Presentation/ControlsModel.h"
 #include "QuellonTerminal/CellText.h"
 #include "QuellonTerminal/UsageTable.h"
 
@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace quellon {
 
@@ -16,10 +17,16 @@ namespace {
 using CellText::Align;
 constexpr std::string_view indent = "  ";
 constexpr std::string_view appHeading = "app";
+constexpr std::string_view noticeKind = "notice";
+
+std::string eventLine(std::string_view clock, std::string_view kind, std::string_view message)
+{
+    return fmt::format("{} {}  {}\n", clock, CellText::fill(kind, 8), message);
+}
 
 std::string logLine(const OverviewModel::LogLine& line)
 {
-    return fmt::format("{} {}  {}\n", line.time, CellText::fill(guardEventKinds.label(line.kind), 8), line.message);
+    return eventLine(line.time, guardEventKinds.label(line.kind), line.message);
 }
 
 std::string statusLine(const OverviewModel& model, std::string_view clock)
@@ -58,12 +65,23 @@ std::string PlainLines::next(const OverviewModel& model, std::string_view clock,
         std::find_if(model.log.begin(), model.log.end(), [this](const auto& line) { return lastPrinted_ == line.id; });
     for (auto line = std::make_reverse_iterator(known); line != model.log.rend(); ++line) result += logLine(*line);
     if (!model.log.empty()) lastPrinted_ = model.log.front().id;
+    result += std::exchange(notices_, {});
     if (completedTicks == ticksPrinted_) return result;
     ticksPrinted_ = completedTicks;
     result += statusLine(model, clock);
     if (model.warning) result += fmt::format("{}{}\n", indent, *model.warning);
     if (model.hint) result += fmt::format("{}{}\n", indent, *model.hint);
     return result + table(model);
+}
+
+void PlainLines::add(const NotificationPlan& plan, std::string_view clock)
+{
+    const auto notice = ControlsModel::Notice::of(plan);
+    notices_ += eventLine(clock, noticeKind, notice.title);
+    for (const std::string& line : notice.text) notices_ += fmt::format("{}{}\n", indent, line);
+    std::string buttons;
+    for (const auto& button : notice.buttons) buttons += fmt::format(" [{}]", button.title);
+    if (!buttons.empty()) notices_ += fmt::format(" {}\n", buttons);
 }
 
 } // namespace quellon

@@ -22,24 +22,29 @@ bool isReady(int descriptor)
 
 } // namespace
 
-PlainView::PlainView(GuardEngine& engine, const Calendar& calendar, int descriptor, std::function<void(End)> ended)
+PlainView::PlainView(GuardEngine& engine, NotificationFeed& feed, int descriptor, std::function<void(End)> ended)
     : engine_(engine),
-      calendar_(calendar),
       descriptor_(descriptor),
       ended_(std::move(ended)),
-      observation_(engine, [this] { refresh(); })
+      observation_(engine, [this] { refresh(); }),
+      subscription_(feed, [this](const NotificationPlan& plan) { lines_.add(plan, clockTime()); })
 {
     refresh();
 }
 
 void PlainView::refresh()
 {
-    const Date now = engine_.host().clock.now();
-    std::string text = lines_.next(OverviewModel::of(engine_, now, calendar_), calendar_.clockTime(now),
+    std::string text = lines_.next(OverviewModel::of(engine_, engine_.host().clock.now()), clockTime(),
                                    engine_.sampling().completedTicks);
     if (ended_ == nullptr || waiting_.size() + text.size() > mostWaiting) return;
     waiting_ += text;
     flush();
+}
+
+std::string PlainView::clockTime() const
+{
+    const Clock& clock = engine_.host().clock;
+    return clock.calendar().clockTime(clock.now());
 }
 
 void PlainView::flush()

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "QuellonCore/Engine/GuardEngine.h"
-#include "QuellonCore/Support/Calendar.h"
+#include "QuellonCore/Notifications/NotificationFeed.h"
 #include "QuellonTerminal/PlainLines.h"
 
 #include <functional>
@@ -19,21 +19,23 @@ public:
     /// The most text that waits for the reader, in bytes.
     static constexpr std::size_t mostWaiting = 1 << 20;
 
-    /// Prints what the engine already tells. `ended` is called at most once, and nothing is printed after it.
-    PlainView(GuardEngine& engine, const Calendar& calendar, int descriptor, std::function<void(End)> ended);
+    /// Prints what the engine already tells, and from now on the notifications of the feed. `ended` is called at most
+    /// once, and nothing is printed after it.
+    PlainView(GuardEngine& engine, NotificationFeed& feed, int descriptor, std::function<void(End)> ended);
     PlainView(const PlainView&) = delete;
     PlainView& operator=(const PlainView&) = delete;
 
 private:
     GuardEngine& engine_;
-    Calendar calendar_;
     int descriptor_;
     std::function<void(End)> ended_;
     PlainLines lines_;
     std::string waiting_;
     RunLoop::Handle retry_;
     GuardEngine::Observation observation_;
+    NotificationFeed::Subscription subscription_;
 
+    [[nodiscard]] std::string clockTime() const;
     void refresh();
     void flush();
 };

@@ -1,6 +1,7 @@
 #include "QuellonTerminal/TerminalLayout.h"
 
 #include "QuellonTerminal/CellText.h"
+#include "QuellonTerminal/ControlLines.h"
 #include "QuellonTerminal/UsageTable.h"
 
 #include <algorithm>
@@ -12,9 +13,10 @@ namespace {
 
 using MenuPresentation::Tone;
 
-constexpr std::string_view footerText = "q quits";
 /// Screens lower than this have no footer, and no log either.
 constexpr int comfortableHeight = 12;
+/// The most that a lower screen gives to a notification.
+constexpr int shortNotice = 2;
 /// From this height on a table that is cut short has a blank line above it.
 constexpr int comfortableTable = 6;
 /// The least that is worth a log: a blank line, a heading and three entries.
@@ -33,26 +35,29 @@ Style toneStyle(Tone tone)
     return Style::good;
 }
 
-/// `spans` one after the other in at most `width` cells.
-Line joined(const Line& spans, int width)
+void append(std::vector<Line>& lines, std::vector<Line> more)
 {
-    Line result;
-    for (const Span& each : spans) {
-        std::string text = CellText::cut(each.text, width);
-        width -= CellText::width(text);
-        if (!text.empty()) result.push_back({std::move(text), each.style});
-    }
-    return result;
+    lines.insert(lines.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
 }
 
-std::vector<Line> header(const OverviewModel& model, int width)
+/// The state, and at the right what the menu bar would show, where there is room for both.
+Line stateLine(const OverviewModel& model, const ControlsModel& controls, int width)
 {
-    std::vector<Line> result;
-    result.push_back(joined({{"● ", toneStyle(model.tone)},
-                             {model.title, Style::strong},
-                             {"  ", Style::plain},
-                             {model.detail, Style::plain}},
-                            width));
+    Line line = joined({{"● ", toneStyle(model.tone)},
+                        {model.title, Style::strong},
+                        {"  ", Style::plain},
+                        {model.detail, Style::plain}},
+                       width);
+    for (const Span& span : line) width -= CellText::width(span.text);
+    const std::string menuBar = menuBarText(controls, model.title);
+    if (menuBar.empty() || width < CellText::width(menuBar) + 2) return line;
+    line.push_back({CellText::fill(menuBar, width, CellText::Align::right), Style::strong});
+    return line;
+}
+
+std::vector<Line> header(const OverviewModel& model, const ControlsModel& controls, int width)
+{
+    std::vector<Line> result{stateLine(model, controls, width)};
     if (model.counters) {
         result.push_back(joined({{"  ", Style::plain},
                                  {model.interface, Style::faint},
@@ -62,6 +67,7 @@ std::vector<Line> header(const OverviewModel& model, int width)
     }
     if (model.warning) result.push_back(joined({{"! ", Style::warning}, {*model.warning, Style::plain}}, width));
     if (model.hint) result.push_back(joined({{"  ", Style::plain}, {*model.hint, Style::plain}}, width));
+    append(result, budgetLines(controls, width));
     return result;
 }
 
@@ -83,14 +89,25 @@ std::vector<Line> activity(const OverviewModel& model, int width, int height)
     return result;
 }
 
-void append(std::vector<Line>& lines, std::vector<Line> more)
+/// What is paused, in at most a third of `height` lines, with a blank line above it where there is room.
+std::vector<Line> pausedBlock(const ControlsModel& controls, int width, int height)
 {
-    lines.insert(lines.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
+    std::vector<Line> result;
+    int room = height > 3 ? height / 3 : std::min(1, height - 1);
+    if (room >= 3 && !controls.paused.empty()) {
+        result.emplace_back();
+        --room;
+    }
+    append(result, pausedLines(controls, width, room));
+    return result;
 }
 
-/// The table and the log in `height` lines. The log gives way to the table down to a third.
-void appendBody(std::vector<Line>& lines, const OverviewModel& model, int width, int height)
+/// The table, what is paused and the log in `height` lines. The log gives way to the table down to a third.
+void appendBody(std::vector<Line>& lines, const OverviewModel& model, const ControlsModel& controls, int width,
+                int height)
 {
+    auto paused = pausedBlock(controls, width, height);
+    height -= static_cast<int>(paused.size());
     const int tableWanted = 2 + std::max(1, static_cast<int>(model.rows.size()));
     const int logWanted = model.log.empty() ? 0 : 2 + static_cast<int>(model.log.size());
     const bool hasLog = height >= comfortableHeight - 2 && logWanted > 0;
@@ -101,24 +118,37 @@ void appendBody(std::vector<Line>& lines, const OverviewModel& model, int width,
         lines.emplace_back();
         --tableRoom;
     }
-    append(lines, usageTable(model, width, tableRoom));
+    append(lines, usageTable(model, width, tableRoom, controls.selectedRow));
+    append(lines, std::move(paused));
     if (hasLog) append(lines, activity(model, width, logRoom));
+}
+
+/// The notifications with a blank line above them where there is room.
+std::vector<Line> noticeBlock(const ControlsModel& controls, int width, int height)
+{
+    std::vector<Line> result;
+    const bool comfortable = height >= comfortableHeight;
+    append(result, noticeLines(controls, width, comfortable ? height / 3 : std::min(shortNotice, height / 2)));
+    if (comfortable && !result.empty()) result.insert(result.begin(), Line{});
+    return result;
 }
 
 } // namespace
 
-std::vector<Line> lines(const OverviewModel& model, int width, int height)
+std::vector<Line> lines(const OverviewModel& model, const ControlsModel& controls, int width, int height)
 {
     if (width <= 0 || height <= 0) return {};
-    std::vector<Line> result = header(model, width);
-    const int headerRoom = std::max(1, height - 2);
+    const bool comfortable = height >= comfortableHeight;
+    std::vector<Line> result = header(model, controls, width);
+    const int headerRoom = std::max(1, height / 3);
     if (static_cast<int>(result.size()) > headerRoom) result.resize(static_cast<std::size_t>(headerRoom));
-    const int footer = height >= comfortableHeight ? 1 : 0;
-    appendBody(result, model, width, height - footer - static_cast<int>(result.size()));
-    if (footer == 1) {
-        result.resize(static_cast<std::size_t>(height) - 1);
-        result.push_back(joined({{std::string{footerText}, Style::faint}}, width));
-    }
+
+    const auto notices = noticeBlock(controls, width, height);
+    const int footer = static_cast<int>(notices.size()) + (comfortable ? 1 : 0);
+    appendBody(result, model, controls, width, height - static_cast<int>(result.size()) - footer);
+    if (comfortable) result.resize(static_cast<std::size_t>(height - footer));
+    append(result, notices);
+    if (comfortable) result.push_back(helpLine(controls, width));
     return result;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "QuellonCore/Presentation/ControlsModel.h"
 #include "QuellonCore/Presentation/OverviewModel.h"
 
 #include <string>
@@ -9,8 +10,8 @@
 namespace quellon::TerminalLayout {
 
 /// What a piece of text is. How that looks, with or without colours, is the screen's affair.
-enum class Style { plain, strong, faint, good, waiting, bar, warning, enforced };
-inline constexpr int styleCount = 8;
+enum class Style { plain, strong, faint, good, waiting, bar, warning, enforced, selected };
+inline constexpr int styleCount = 9;
 
 struct Span {
     std::string text;
@@ -20,8 +21,9 @@ struct Span {
 using Line = std::vector<Span>;
 
 /// The lines of a screen of `width` by `height` cells from the top: at most `height` lines of at most `width` cells,
-/// free of control characters. As room gets scarce, first the bars go, then columns, the log, headings and the rows
-/// at the end; the state and the first rows stay. Nothing for a size of 0 or less.
-[[nodiscard]] std::vector<Line> lines(const OverviewModel& model, int width, int height);
+/// free of control characters. As room gets scarce, first the bars go, then columns, the log, what explains a
+/// notification, headings and the rows at the end; the state, a question with its answers, the paused applications and
+/// the first or the selected rows stay. Nothing for a size of 0 or less.
+[[nodiscard]] std::vector<Line> lines(const OverviewModel& model, const ControlsModel& controls, int width, int height);
 
 } // namespace quellon::TerminalLayout

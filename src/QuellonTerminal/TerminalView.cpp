@@ -9,12 +9,12 @@
 
 namespace quellon {
 
-std::unique_ptr<TerminalView> TerminalView::open(GuardEngine& engine, const Calendar& calendar, const Options& options,
+std::unique_ptr<TerminalView> TerminalView::open(GuardEngine& engine, NotificationFeed& feed, const Options& options,
                                                  const Watch& watch, std::function<void()> quit)
 {
     auto screen = CursesScreen::open(options.colours);
     if (!screen) return nullptr;
-    std::unique_ptr<TerminalView> view{new TerminalView{engine, calendar, std::move(screen), std::move(quit)}};
+    std::unique_ptr<TerminalView> view{new TerminalView{engine, feed, std::move(screen), std::move(quit)}};
     TerminalView* const self = view.get();
     if (options.keys) view->keyWatch_ = watch(STDIN_FILENO, [self] { self->readKeys(); });
     if (view->resizes_.descriptor() >= 0) {
@@ -26,12 +26,12 @@ std::unique_ptr<TerminalView> TerminalView::open(GuardEngine& engine, const Cale
     return view;
 }
 
-TerminalView::TerminalView(GuardEngine& engine, const Calendar& calendar, std::unique_ptr<CursesScreen> screen,
+TerminalView::TerminalView(GuardEngine& engine, NotificationFeed& feed, std::unique_ptr<CursesScreen> screen,
                            std::function<void()> quit)
     : engine_(engine),
-      calendar_(calendar),
       quit_(std::move(quit)),
       screen_(std::move(screen)),
+      controls_(engine, feed, [this] { refresh(); }),
       observation_(engine, [this] { refresh(); })
 {
 }
@@ -40,16 +40,19 @@ TerminalView::~TerminalView() = default;
 
 void TerminalView::refresh()
 {
-    OverviewModel model = OverviewModel::of(engine_, engine_.host().clock.now(), calendar_);
-    if (shown_ == model) return;
+    const Date now = engine_.host().clock.now();
+    OverviewModel model = OverviewModel::of(engine_, now);
+    ControlsModel controls = controls_.model(now);
+    if (shown_ == model && shownControls_ == controls) return;
     shown_ = std::move(model);
+    shownControls_ = std::move(controls);
     paint();
 }
 
 void TerminalView::paint()
 {
     const auto [width, height] = screen_->size();
-    screen_->paint(TerminalLayout::lines(*shown_, width, height));
+    screen_->paint(TerminalLayout::lines(*shown_, shownControls_, width, height));
 }
 
 void TerminalView::resized()
@@ -61,19 +64,40 @@ void TerminalView::resized()
 
 void TerminalView::readKeys()
 {
-    constexpr char redraw = '\f'; // Ctrl-L
     std::array<char, 256> bytes{};
     const ssize_t count = read(STDIN_FILENO, bytes.data(), bytes.size());
     if (count < 0 && (errno == EINTR || errno == EAGAIN)) return;
-    const std::string_view keys{bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0))};
-    if (keys.find(redraw) != std::string_view::npos) {
+    if (count <= 0) return end();
+    // Whoever presses a key has seen what is on the screen.
+    engine_.markAlertsSeen();
+    for (const Key& key : keys_.take({bytes.data(), static_cast<std::size_t>(count)})) {
+        if (key.kind == Key::Kind::quit) return end();
+        obey(key);
+    }
+}
+
+void TerminalView::obey(const Key& key)
+{
+    switch (key.kind) {
+    case Key::Kind::redraw:
         screen_->forget();
         paint();
+        break;
+    case Key::Kind::command:
+        controls_.perform(key.command);
+        break;
+    case Key::Kind::answer:
+        controls_.answer(key.button);
+        break;
+    case Key::Kind::quit:
+        break;
     }
-    if (count <= 0 || keys.find_first_of("qQ") != std::string_view::npos) {
-        keyWatch_.reset(); // an input that has ended stays readable for ever
-        quit_();
-    }
+}
+
+void TerminalView::end()
+{
+    keyWatch_.reset(); // an input that has ended stays readable for ever
+    quit_();
 }
 
 } // namespace quellon

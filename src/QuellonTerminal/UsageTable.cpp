@@ -69,9 +69,9 @@ Line heading(const OverviewModel& model, const Columns& columns)
     return line;
 }
 
-Line tableRow(const OverviewModel::Row& row, const Columns& columns)
+Line tableRow(const OverviewModel::Row& row, const Columns& columns, bool selected)
 {
-    Line line{{CellText::fill(row.app, columns.name), Style::plain}};
+    Line line{{CellText::fill(row.app, columns.name), selected ? Style::selected : Style::plain}};
     addCell(line, row.bytes, columns.bytes, Style::strong);
     addCell(line, row.lastMinute, columns.lastMinute, Style::plain);
     addCell(line, row.shareText, columns.share, Style::faint);
@@ -112,7 +112,21 @@ Line bar(double share, int width)
     return line;
 }
 
-std::vector<Line> usageTable(const OverviewModel& model, int width, int height)
+Excerpt excerpt(std::size_t rows, std::size_t room, std::optional<std::size_t> selected)
+{
+    Excerpt result;
+    result.count = rows <= room ? rows : room - (room > 1 ? 1 : 0);
+    if (result.count < rows && room > 1) result.missing = rows - result.count;
+    if (selected && *selected < rows && *selected >= result.count) result.first = *selected + 1 - result.count;
+    return result;
+}
+
+Line missingRows(std::size_t count, int width)
+{
+    return {{CellText::cut(fmt::format("… {} more", count), width), Style::faint}};
+}
+
+std::vector<Line> usageTable(const OverviewModel& model, int width, int height, std::optional<std::size_t> selected)
 {
     std::vector<Line> result;
     if (height <= 0) return result;
@@ -124,11 +138,11 @@ std::vector<Line> usageTable(const OverviewModel& model, int width, int height)
     const bool hasHeading = height >= 3 || height > static_cast<int>(model.rows.size());
     if (hasHeading) result.push_back(heading(model, widths));
     const std::size_t room = static_cast<std::size_t>(height) - result.size();
-    const std::size_t shown = model.rows.size() <= room ? model.rows.size() : room - (room > 1 ? 1 : 0);
-    for (std::size_t i = 0; i < shown; ++i) result.push_back(tableRow(model.rows[i], widths));
-    if (shown < model.rows.size() && room > 1) {
-        result.push_back({{CellText::cut(fmt::format("… {} more", model.rows.size() - shown), width), Style::faint}});
+    const Excerpt shown = excerpt(model.rows.size(), room, selected);
+    for (std::size_t i = shown.first; i < shown.first + shown.count; ++i) {
+        result.push_back(tableRow(model.rows[i], widths, selected == i));
     }
+    if (shown.missing > 0) result.push_back(missingRows(shown.missing, width));
     return result;
 }
 

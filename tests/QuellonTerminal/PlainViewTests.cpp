@@ -69,13 +69,14 @@ protected:
 
     EngineWorld world;
     ReadPipe pipe;
+    NotificationFeed feed;
     std::optional<PlainView::End> end;
     GuardEngine engine{world.host, world.stopped()};
     std::optional<PlainView> view;
 
     void openView()
     {
-        view.emplace(engine, Calendar{}, pipe.writeEnd(), [this](PlainView::End reason) {
+        view.emplace(engine, feed, pipe.writeEnd(), [this](PlainView::End reason) {
             ASSERT_FALSE(end) << "told once";
             end = reason;
         });
@@ -125,7 +126,7 @@ TEST_F(PlainViewTest, outputThatCanNotBeWritten)
     const int full = open("/dev/full", O_WRONLY | O_CLOEXEC);
     if (full < 0) GTEST_SKIP() << "no device that is always full";
     engine.start();
-    view.emplace(engine, Calendar{}, full, [this](PlainView::End reason) { end = reason; });
+    view.emplace(engine, feed, full, [this](PlainView::End reason) { end = reason; });
     world.host.advance(10s);
     EXPECT_EQ(end, PlainView::End::failed);
     close(full);

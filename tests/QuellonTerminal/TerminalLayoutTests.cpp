@@ -30,10 +30,10 @@ std::string text(const Line& line)
     return result;
 }
 
-std::vector<std::string> texts(const OverviewModel& model, int width, int height)
+std::vector<std::string> texts(const OverviewModel& model, int width, int height, const ControlsModel& controls = {})
 {
     std::vector<std::string> result;
-    for (const auto& line : TerminalLayout::lines(model, width, height)) result.push_back(text(line));
+    for (const auto& line : TerminalLayout::lines(model, controls, width, height)) result.push_back(text(line));
     return result;
 }
 
@@ -75,7 +75,7 @@ TEST_F(TerminalLayoutTest, everySizeFits)
     for (std::size_t i = 0; i < models.size(); ++i) {
         for (int width = 1; width <= 200; width += width < 60 ? 1 : 7) {
             for (int height = 1; height <= 60; height += height < 14 ? 1 : 9) {
-                const auto lines = TerminalLayout::lines(models[i], width, height);
+                const auto lines = TerminalLayout::lines(models[i], {}, width, height);
                 SCOPED_TRACE(fmt::format("model {} at {}x{}", i, width, height));
                 ASSERT_FALSE(lines.empty());
                 ASSERT_LE(lines.size(), static_cast<std::size_t>(height));
@@ -94,9 +94,9 @@ TEST_F(TerminalLayoutTest, everySizeFits)
 
 TEST_F(TerminalLayoutTest, noScreen)
 {
-    EXPECT_THAT(TerminalLayout::lines(overview(), 0, 24), SizeIs(0));
-    EXPECT_THAT(TerminalLayout::lines(overview(), 80, 0), SizeIs(0));
-    EXPECT_THAT(TerminalLayout::lines(overview(), -1, -1), SizeIs(0));
+    EXPECT_THAT(TerminalLayout::lines(overview(), {}, 0, 24), SizeIs(0));
+    EXPECT_THAT(TerminalLayout::lines(overview(), {}, 80, 0), SizeIs(0));
+    EXPECT_THAT(TerminalLayout::lines(overview(), {}, -1, -1), SizeIs(0));
 }
 
 TEST_F(TerminalLayoutTest, narrowScreensLoseColumns)
@@ -159,16 +159,16 @@ TEST_F(TerminalLayoutTest, emptyStatesAndNotices)
     model.counters.reset();
     model.warning = "Couldn't read per-app traffic at 10:00:00 — retrying";
     model.hint = "en7 is ready, but macOS is still using Wi-Fi.";
-    const auto lines = TerminalLayout::lines(model, 80, 24);
+    const auto lines = TerminalLayout::lines(model, {}, 80, 24);
     EXPECT_EQ(lines[0][0], (TerminalLayout::Span{"● ", Style::waiting}));
     EXPECT_EQ(lines[1][0], (TerminalLayout::Span{"! ", Style::warning}));
     EXPECT_EQ(text(lines[1]), "! Couldn't read per-app traffic at 10:00:00 — retrying");
     EXPECT_EQ(text(lines[2]), "  en7 is ready, but macOS is still using Wi-Fi.");
     EXPECT_EQ(text(lines[4]), "No traffic yet");
     model.tone = MenuPresentation::Tone::off;
-    EXPECT_EQ(TerminalLayout::lines(model, 80, 24)[0][0].style, Style::faint);
+    EXPECT_EQ(TerminalLayout::lines(model, {}, 80, 24)[0][0].style, Style::faint);
     model.tone = MenuPresentation::Tone::active;
-    EXPECT_EQ(TerminalLayout::lines(model, 80, 24)[0][0].style, Style::good);
+    EXPECT_EQ(TerminalLayout::lines(model, {}, 80, 24)[0][0].style, Style::good);
 }
 
 TEST_F(TerminalLayoutTest, kindsAreToldWithoutColours)

@@ -105,8 +105,9 @@ std::vector<OverviewModel::LogLine> log(const GuardEngine& engine, const Calenda
 
 } // namespace
 
-OverviewModel OverviewModel::of(const GuardEngine& engine, Date now, const Calendar& calendar)
+OverviewModel OverviewModel::of(const GuardEngine& engine, Date now)
 {
+    const Calendar calendar = engine.host().clock.calendar();
     const bool isRunning = engine.isRunning();
     const bool isMetered = engine.status().isMetered;
     const bool meteredOnly = engine.settings().meteredOnly;

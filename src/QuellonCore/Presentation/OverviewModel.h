@@ -2,7 +2,6 @@
 
 #include "QuellonCore/Engine/GuardEngine.h"
 #include "QuellonCore/Presentation/MenuPresentation.h"
-#include "QuellonCore/Support/Calendar.h"
 #include "QuellonCore/Support/EnumTable.h"
 
 #include <optional>
@@ -56,8 +55,8 @@ struct OverviewModel {
     std::vector<Row> rows;               ///< In the engine's order.
     std::vector<LogLine> log;            ///< Newest first.
 
-    /// The model of the engine's values. `now` ends the last minute, `calendar` tells the local time.
-    [[nodiscard]] static OverviewModel of(const GuardEngine& engine, Date now, const Calendar& calendar);
+    /// The model of the engine's values. `now` ends the last minute; the local time is that of the engine's clock.
+    [[nodiscard]] static OverviewModel of(const GuardEngine& engine, Date now);
 
     bool operator==(const OverviewModel&) const = default;
 };

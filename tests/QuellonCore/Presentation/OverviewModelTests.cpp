@@ -16,8 +16,6 @@ namespace {
 using testing::ElementsAre;
 using testing::SizeIs;
 
-const Calendar utc;
-
 /// One application with one connection.
 struct Traffic {
     std::string app;
@@ -54,13 +52,13 @@ protected:
         return result;
     }
 
-    OverviewModel model() { return OverviewModel::of(engine, world.host.now(), utc); }
+    OverviewModel model() { return OverviewModel::of(engine, world.host.now()); }
 };
 
 TEST_F(OverviewModelTest, beforeTheFirstTick)
 {
     GuardEngine fresh{world.host, world.stopped()};
-    const auto shown = OverviewModel::of(fresh, world.host.now(), utc);
+    const auto shown = OverviewModel::of(fresh, world.host.now());
     EXPECT_EQ(shown.tone, MenuPresentation::Tone::off);
     EXPECT_EQ(shown.title, "Off");
     EXPECT_EQ(shown.detail, "Not checked yet");
@@ -207,7 +205,8 @@ TEST_F(OverviewModelTest, log)
     for (int i = 0; i < 300; ++i) engine.append(GuardEvent::Kind::info, std::to_string(i));
     EXPECT_THAT(model().log, SizeIs(200));
     EXPECT_EQ(model().log.front().message, "299");
-    EXPECT_EQ(OverviewModel::of(engine, world.host.now(), Calendar{"Asia/Tokyo"}).log.front().time, "19:00:00");
+    world.host.setZone("Asia/Tokyo");
+    EXPECT_EQ(model().log.front().time, "19:00:00") << "the user has moved";
 }
 
 TEST_F(OverviewModelTest, equalStateGivesAnEqualModel)
