@@ -94,7 +94,7 @@ std::vector<Line> answers(const ControlsModel::Notice& notice)
     return result;
 }
 
-int width(const Line& line)
+int lineWidth(const Line& line)
 {
     int result = 0;
     for (const Span& span : line) result += CellText::width(span.text);
@@ -107,7 +107,8 @@ std::vector<Line> flowed(const std::vector<Line>& pieces, int room)
     std::vector<Line> result;
     Line line;
     for (const Line& piece : pieces) {
-        if (!line.empty() && width(line) + width(piece) > room) result.push_back(joined(std::exchange(line, {}), room));
+        if (!line.empty() && lineWidth(line) + lineWidth(piece) > room)
+            result.push_back(joined(std::exchange(line, {}), room));
         line.insert(line.end(), piece.begin(), piece.end());
     }
     if (!line.empty()) result.push_back(joined(line, room));
@@ -219,9 +220,13 @@ Line helpLine(const ControlsModel& model, int width)
 {
     Line line{{std::string{KeyNames::quit}, Style::strong},
               {fmt::format(" {}", ControlsModel::quitEffect), Style::faint}};
+    int room = width - lineWidth(line);
     for (const auto& offer : model.offers) {
-        line.push_back({fmt::format("  {}", KeyNames::of(offer.command)), Style::strong});
-        line.push_back({fmt::format(" {}", offer.effect), Style::faint});
+        const Line item{{fmt::format("  {}", KeyNames::of(offer.command)), Style::strong},
+                        {fmt::format(" {}", offer.effect), Style::faint}};
+        room -= lineWidth(item);
+        if (room < 0) break;
+        line.insert(line.end(), item.begin(), item.end());
     }
     return joined(line, width);
 }

@@ -22,7 +22,7 @@ namespace quellon::TerminalLayout {
 /// What stands in the menu bar, with a sign for its symbol; empty where that says no more than the state's title.
 [[nodiscard]] std::string menuBarText(const ControlsModel& model, const std::string& stateTitle);
 
-/// The keys that have an effect.
+/// The keys that have an effect, as many as fit.
 [[nodiscard]] Line helpLine(const ControlsModel& model, int width);
 
 } // namespace quellon::TerminalLayout

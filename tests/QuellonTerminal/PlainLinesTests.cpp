@@ -44,6 +44,29 @@ TEST_F(PlainLinesTest, everyTickGivesATable)
               "     400.5 MB      12.0 MB    50%  cloud-sync\n");
 }
 
+TEST_F(PlainLinesTest, notifications)
+{
+    EXPECT_NE(lines.next(overview(0, 0), "10:00:05", 1), "");
+    lines.add({NotificationStyle::persistent,
+               "apt keeps coming back",
+               "3 times in 6 h",
+               "Stopping it just makes it start over.\n",
+               {NotificationAction::resumeAndSnooze, NotificationAction::allowlist},
+               {"apt"}},
+              "10:00:09");
+    lines.add({NotificationStyle::transient, "radio\x1B[2J", "", "", {}, {"radio"}}, "10:00:10");
+    EXPECT_EQ(lines.next(overview(0, 1), "10:00:10", 2),
+              "10:00:00 info      📶 wlan0 · gateway 172.20.10.1 (hotspot range)\n"
+              "10:00:09 notice    apt keeps coming back\n"
+              "  3 times in 6 h\n"
+              "  Stopping it just makes it start over.\n"
+              "  [Resume + snooze] [Never limit]\n"
+              "10:00:10 notice    radio�[2J\n"
+              "10:00:10 Guarding · wlan0 · gateway 172.20.10.1 (hotspot range) · Wi-Fi ↓ 812.4 MB  ↑ 20.1 MB\n"
+              "  No traffic yet\n");
+    EXPECT_EQ(lines.next(overview(0, 1), "10:00:11", 2), "") << "once";
+}
+
 TEST_F(PlainLinesTest, activityComesOnceAndOldestFirst)
 {
     auto model = overview(0, 1);

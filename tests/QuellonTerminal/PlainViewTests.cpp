@@ -1,6 +1,6 @@
 #include "QuellonTerminal/PlainView.h"
 
-#include "QuellonCore/Engine/EngineWorld.h"
+#include "QuellonCore/Engine/ActingWorld.h"
 #include "QuellonTerminal/Utf8Locale.h"
 
 #include <gmock/gmock.h>
@@ -18,6 +18,7 @@ namespace {
 
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 /// A pipe whose reader is this test.
 class ReadPipe {
@@ -71,9 +72,15 @@ protected:
     ReadPipe pipe;
     NotificationFeed feed;
     std::optional<PlainView::End> end;
-    GuardEngine engine{world.host, world.stopped()};
+    GuardEngine engine{world.host, options()};
     std::optional<PlainView> view;
 
+    GuardEngine::Options options()
+    {
+        auto result = world.stopped();
+        result.notifier = [this](const NotificationPlan& plan) { feed.deliver(plan); };
+        return result;
+    }
     void openView()
     {
         view.emplace(engine, feed, pipe.writeEnd(), [this](PlainView::End reason) {
@@ -109,6 +116,26 @@ TEST_F(PlainViewTest, aMinuteOnAHotspot)
                            "  1min window  last minute  share  app\n"
                            "       3.0 MB       3.0 MB   100%  Player\n");
     EXPECT_EQ(end, std::nullopt);
+}
+
+TEST_F(PlainViewTest, aNotificationFollowsItsLineOfTheLog)
+{
+    GuardSettings settings = engine.settings();
+    settings.rules() = {ActingWorld::rule(1, 60s, 1024 * 1024, ActionLevel::enforce)};
+    engine.setSettings(std::move(settings));
+    world.host.process(501, {.start = "then"});
+    openView();
+    engine.start();
+    world.host.advance(0s);
+    static_cast<void>(pipe.read());
+    world.moves(1'000 + 3 * 1024 * 1024, 10);
+    world.host.advance(5s);
+    EXPECT_THAT(pipe.read(), StartsWith("10:00:05 enforced  Player used 3.0 MB in 1min → 暂停（可恢复）\n"
+                                        "10:00:05 notice    Player was paused\n"
+                                        "  3.0 MB in 1min\n"
+                                        "  It is frozen, not closed — resume and it picks up where it left off.\n"
+                                        "  [Resume] [Resume + snooze]\n"
+                                        "10:00:05 Guarding"));
 }
 
 TEST_F(PlainViewTest, readerGone)

@@ -98,7 +98,7 @@ std::vector<ControlsModel::Offer> Controls::offers() const
     const bool paused = app && isPaused(*app);
     if (paused) result.push_back({ControlCommand::resume, "resumes"});
     if (!engine_.suspended().empty()) result.push_back({ControlCommand::resumeAll, "resumes all"});
-    if (app) result.push_back({ControlCommand::snooze, paused ? "resumes + snoozes" : "snoozes"});
+    if (app) result.push_back({ControlCommand::snooze, "snoozes"});
     if (!engine_.suspended().empty() || !engine_.usage().empty()) {
         result.push_back({ControlCommand::selectNext, "select"});
     }

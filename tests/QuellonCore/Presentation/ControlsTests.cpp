@@ -93,7 +93,7 @@ TEST_F(ControlsTest, aFrozenApplication)
                   "Player was paused",
                   {"2.0 MB in 1min", "It is frozen, not closed — resume and it picks up where it left off."},
                   {{"Resume", false}, {"Resume + snooze", false}}}));
-    EXPECT_THAT(effects(), ElementsAre("stops", "resumes", "resumes all", "resumes + snoozes", "select", "dismisses"));
+    EXPECT_THAT(effects(), ElementsAre("stops", "resumes", "resumes all", "snoozes", "select", "dismisses"));
     static_cast<void>(world.rounds(36));
     EXPECT_EQ(model().paused.at(0).since, "3 min ago");
     EXPECT_TRUE(model().question) << "it stays until it is answered";
