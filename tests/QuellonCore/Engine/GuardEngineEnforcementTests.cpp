@@ -1,0 +1,506 @@
+#include "ActingWorld.h"
+
+#include <gtest/gtest.h>
+
+namespace quellon {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+
+/// Player and Studio are paused.
+struct PausedWorld : ActingWorld {
+    PausedWorld()
+    {
+        app("Studio", {601});
+        begin();
+        moves(601, 3 * mebibyte);
+        roundWith(501, 2 * mebibyte);
+    }
+};
+
+TEST(EngineEnforceNow, pausesWhatIsNotProtected)
+{
+    ActingWorld world;
+    world.process(503, 0, 503, "/Applications/Player.app/Contents/MacOS/PlayerDaemon");
+    world.begin();
+    world.engine->enforceNow({"Player"}, EnforcementAction::suspend);
+    EXPECT_THAT(world.trace.take(),
+                ElementsAre("STOP 501", "STOP 502", "start time of 501", "start time of 502",
+                            "spawn sleep 1800; kill -CONT 501 2>/dev/null; kill -CONT 502 2>/dev/null",
+                            "save suspended.json", "enforced: Player → 暂停（可恢复） (from notification)"));
+    const SuspendedApp entry{"Player", {501, 502}, {"start of 501", "start of 502"}, 0, world.host.now()};
+    EXPECT_THAT(world.engine->suspended(), ElementsAre(entry));
+    EXPECT_EQ(world.savedSuspended(), world.engine->suspended());
+}
+
+TEST(EngineEnforceNow, endsAndLaterForcesWhoDoesNotObey)
+{
+    ActingWorld world;
+    world.begin();
+    world.host.process(502).obeysTerminate = false;
+    world.engine->enforceNow({"Player"}, EnforcementAction::terminate);
+    EXPECT_THAT(world.trace.take(), ElementsAre("TERM 501", "TERM 502", "start time of 501", "start time of 502",
+                                                "enforced: Player → 退出 (from notification)"));
+    EXPECT_THAT(world.round(), ElementsAre("start time of 502", "KILL 502"));
+    EXPECT_THAT(world.engine->suspended(), IsEmpty());
+}
+
+TEST(EngineEnforceNow, kills)
+{
+    ActingWorld world;
+    world.begin();
+    world.engine->enforceNow({"Player"}, EnforcementAction::kill);
+    EXPECT_THAT(world.trace.take(), ElementsAre("KILL 501", "KILL 502", "start time of 501", "start time of 502",
+                                                "enforced: Player → 强制结束 (from notification)"));
+}
+
+TEST(EngineEnforceNow, leavesHistoryCountsAndLedgerAlone)
+{
+    ActingWorld world;
+    world.begin();
+    world.roundWith(501, 1'000);
+    world.engine->enforceNow({"Player"}, EnforcementAction::suspend);
+    EXPECT_THAT(world.engine->enforcementHistory().records, IsEmpty());
+    EXPECT_THAT(world.engine->cooldown(), IsEmpty());
+    EXPECT_EQ(world.engine->liveness().triggerCount, 0);
+    EXPECT_EQ(world.engine->lastAlert(), std::nullopt);
+    EXPECT_EQ(world.engine->totalBytes("Player", 60s, world.host.now()), 1'000U);
+    EXPECT_THAT(world.plans, IsEmpty());
+}
+
+TEST(EngineEnforceNow, goesByTheTableOfThisMomentInTheGivenOrder)
+{
+    ActingWorld world;
+    world.begin();
+    world.app("Archive", {401});
+    world.leavesTable(502);
+    world.engine->enforceNow({"Player", "Nobody", "Archive"}, EnforcementAction::kill);
+    EXPECT_THAT(world.trace.take(),
+                ElementsAre("KILL 501", "start time of 501", "enforced: Player → 强制结束 (from notification)",
+                            "KILL 401", "start time of 401", "enforced: Archive → 强制结束 (from notification)"));
+}
+
+TEST(EngineEnforceNow, asksAnewForTheGuardsOwnAncestors)
+{
+    ActingWorld world;
+    world.begin();
+    world.host.parents({502, 1}); // the guard has a new parent since
+    world.host.clearRuns();
+    world.engine->enforceNow({"Player"}, EnforcementAction::suspend);
+    EXPECT_FALSE(world.isStopped(502));
+    EXPECT_TRUE(world.isStopped(501));
+    EXPECT_GT(world.host.runs(ToolRole::parent), 0U);
+}
+
+TEST(EngineEnforceNow, passesOverWithoutAWord)
+{
+    struct Case {
+        const char* name;
+        void (*prepare)(ActingWorld&);
+        ActingWorld::Lines lines;
+    };
+    const Case cases[] = {
+        {"no live process",
+         [](ActingWorld& world) {
+             world.leaves(501);
+             world.leaves(502);
+         },
+         {}},
+        {"protected as a whole",
+         [](ActingWorld& world) {
+             GuardSettings settings = world.engine->settings();
+             settings.setPolicy(AppPolicy::never, "Player");
+             world.engine->setSettings(settings);
+             static_cast<void>(world.trace.take());
+         },
+         {}},
+        {"nobody is reached",
+         [](ActingWorld& world) {
+             world.host.process(501).denied = true;
+             world.host.process(502).denied = true;
+         },
+         {"STOP 501 in vain", "STOP 502 in vain"}},
+        {"no process table", [](ActingWorld& world) { world.host.tool(ToolRole::ps).fails(); }, {}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        ActingWorld world;
+        world.begin();
+        c.prepare(world);
+        world.engine->enforceNow({"Player"}, EnforcementAction::suspend);
+        EXPECT_EQ(world.trace.take(), c.lines);
+        EXPECT_THAT(world.engine->suspended(), IsEmpty());
+    }
+}
+
+TEST(EngineEnforceNow, aHungProcessTableTakesFourSecondsAndGivesUp)
+{
+    ActingWorld world;
+    world.begin();
+    world.host.tool(ToolRole::ps).timesOut();
+    const Date before = world.host.now();
+    world.engine->enforceNow({"Player"}, EnforcementAction::suspend);
+    EXPECT_EQ(world.host.now() - before, 4s);
+    EXPECT_THAT(world.host.signals(), IsEmpty());
+}
+
+TEST(EngineEnforceNow, twoPausesAreTwoEntriesToldApartByTheirTimes)
+{
+    ActingWorld world;
+    world.begin();
+    world.engine->enforceNow({"Player"}, EnforcementAction::suspend);
+    world.host.advance(1s);
+    world.engine->enforceNow({"Player"}, EnforcementAction::suspend);
+    const auto& suspended = world.engine->suspended();
+    ASSERT_EQ(suspended.size(), 2U);
+    EXPECT_EQ(suspended[1].at - suspended[0].at, 1s);
+    EXPECT_NE(suspended[0].id(), suspended[1].id());
+    EXPECT_EQ(world.savedSuspended(), suspended);
+}
+
+TEST(EngineEnforceNow, whatItMayNotDoItSays)
+{
+    struct Case {
+        const char* name;
+        Capabilities capabilities;
+        EnforcementAction action;
+        std::string line;
+    };
+    const Case cases[] = {
+        {"the action warn", {}, EnforcementAction::warn, "warning: Can't step in on this edition"},
+        {"may not, for no known reason",
+         {.canEnforce = false},
+         EnforcementAction::suspend,
+         "warning: Can't step in on this edition"},
+        {"the sandbox",
+         {.edition = AppEdition::appStore},
+         EnforcementAction::suspend,
+         "warning: App Store 版受系统沙盒限制，只能提醒，无法暂停或结束其他 App。需要自动处置请使用官网下载的 Pro "
+         "版。"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        ActingWorld world;
+        world.options.capabilities = c.capabilities;
+        world.begin();
+        world.host.clearRuns();
+        world.engine->enforceNow({"Player"}, c.action);
+        EXPECT_THAT(world.trace.take(), ElementsAre(c.line));
+        EXPECT_EQ(world.host.runs(ToolRole::ps), 0U);
+        EXPECT_THAT(world.host.signals(), IsEmpty());
+    }
+}
+
+TEST(EngineResume, thawsSnoozesSavesAndTells)
+{
+    PausedWorld world;
+    const SuspendedApp entry = world.engine->suspended().front();
+    ASSERT_EQ(entry.app, "Studio");
+    world.engine->resume(entry);
+    EXPECT_THAT(world.trace.take(),
+                ElementsAre("CONT 601", "save suspended.json", "info: Resumed Studio · snoozed 15min"))
+        << "no question who 601 is by now";
+    EXPECT_FALSE(world.isStopped(601));
+    EXPECT_TRUE(world.isStopped(501));
+    EXPECT_THAT(world.engine->suspended(), testing::SizeIs(1));
+    EXPECT_EQ(world.savedSuspended(), world.engine->suspended());
+    EXPECT_THAT(world.engine->snoozedUntil(), ElementsAre(Pair("Studio", world.host.now() + 900s)));
+    EXPECT_THAT(world.engine->cooldown(), ElementsAre(Pair("Player", testing::_)));
+}
+
+TEST(EngineResume, minutes)
+{
+    struct Case {
+        const char* name;
+        std::optional<double> minutes;
+        const char* line;
+        std::optional<Seconds> snooze;
+    };
+    constexpr Case cases[] = {
+        {"0: no snooze", 0.0, "info: Resumed Studio", std::nullopt},
+        {"negative", -1.0, "info: Resumed Studio", std::nullopt},
+        {"a fraction is cut off", 2.9, "info: Resumed Studio · snoozed 2min", 174s},
+        {"less than one", 0.5, "info: Resumed Studio · snoozed 0min", 30s},
+        {"an hour", 60.0, "info: Resumed Studio · snoozed 60min", 3'600s},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        PausedWorld world;
+        world.engine->resume(world.engine->suspended().front(), c.minutes);
+        EXPECT_EQ(world.trace.take().back(), c.line);
+        const auto& snoozes = world.engine->snoozedUntil();
+        EXPECT_EQ(snoozes.contains("Studio"), c.snooze.has_value());
+        if (c.snooze && snoozes.contains("Studio")) { EXPECT_EQ(snoozes.at("Studio"), world.host.now() + *c.snooze); }
+    }
+}
+
+TEST(EngineResume, aSettingOfNoMinutesGivesNoSnooze)
+{
+    ActingWorld world;
+    world.settings.snoozeMinutes = 0;
+    world.begin();
+    world.roundWith(501, 2 * mebibyte);
+    world.engine->resume(world.engine->suspended().front());
+    EXPECT_EQ(world.trace.take().back(), "info: Resumed Player");
+}
+
+TEST(EngineResume, whoCanNotBeReachedIsForgottenAllTheSame)
+{
+    PausedWorld world;
+    world.host.process(601).denied = true;
+    world.engine->resume(world.engine->suspended().front());
+    EXPECT_EQ(world.trace.take().front(), "CONT 601 in vain");
+    EXPECT_THAT(world.engine->suspended(), testing::SizeIs(1));
+}
+
+TEST(EngineResume, anEntryThatIsNotInTheListIsThawedStill)
+{
+    PausedWorld world;
+    world.engine->resume({"Other", {777}, {}, 0, world.host.now()}, 0.0);
+    EXPECT_THAT(world.trace.take(), ElementsAre("CONT 777 in vain", "save suspended.json", "info: Resumed Other"));
+    EXPECT_THAT(world.engine->suspended(), testing::SizeIs(2));
+}
+
+TEST(EngineResume, byNameInTheOrderOfTheList)
+{
+    PausedWorld world;
+    world.engine->resumeApps({"Player", "Nobody", "Studio"}, 0.0);
+    EXPECT_THAT(world.trace.take(), ElementsAre("CONT 601", "save suspended.json", "info: Resumed Studio", "CONT 501",
+                                                "save suspended.json", "info: Resumed Player"));
+    world.engine->resumeApps({"Player"});
+    EXPECT_THAT(world.trace.take(), IsEmpty());
+}
+
+TEST(EngineResume, everyEntryOfAName)
+{
+    ActingWorld world;
+    world.begin();
+    world.engine->enforceNow({"Player"}, EnforcementAction::suspend);
+    world.host.advance(1s);
+    world.engine->enforceNow({"Player"}, EnforcementAction::suspend);
+    world.engine->resumeApps({"Player"});
+    EXPECT_THAT(world.engine->suspended(), IsEmpty());
+    EXPECT_EQ(world.savedSuspended()->size(), 0U);
+}
+
+TEST(EngineResume, anAppIsFrozenAnewWhenItsSnoozeIsOver)
+{
+    PausedWorld world;
+    world.engine->resumeApps({"Player"}, 1.0);
+    static_cast<void>(world.trace.take());
+    world.moves(501, 2 * mebibyte);
+    EXPECT_THAT(withoutCadence(world.rounds(11)), IsEmpty()) << "55 s";
+    EXPECT_EQ(withoutCadence(world.round()).front(), "STOP 501") << "at 60 s the snooze is over";
+}
+
+TEST(EngineResumeAll, silent)
+{
+    PausedWorld world;
+    world.engine->snooze("Other", 5.0);
+    static_cast<void>(world.trace.take());
+    world.engine->resumeAll(true);
+    EXPECT_THAT(world.trace.take(), ElementsAre("CONT 601", "CONT 501", "save suspended.json"));
+    EXPECT_THAT(world.engine->suspended(), IsEmpty());
+    EXPECT_THAT(world.engine->cooldown(), IsEmpty());
+    EXPECT_EQ(world.savedSuspended()->size(), 0U);
+    EXPECT_TRUE(world.engine->snoozedUntil().contains("Other")) << "snoozes stay";
+}
+
+TEST(EngineResumeAll, told)
+{
+    PausedWorld world;
+    world.engine->resumeAll(false);
+    EXPECT_THAT(world.trace.take(),
+                ElementsAre("CONT 601", "CONT 501", "save suspended.json", "info: Resumed all (2)"));
+}
+
+TEST(EngineResumeAll, withNothingPausedOnlySaves)
+{
+    for (const bool silent : {true, false}) {
+        ActingWorld world;
+        world.begin();
+        world.engine->resumeAll(silent);
+        EXPECT_THAT(world.trace.take(), ElementsAre("save suspended.json"));
+    }
+}
+
+TEST(EngineResumeAll, stopThawsBeforeItEmptiesAndSaves)
+{
+    PausedWorld world;
+    world.engine->stop();
+    EXPECT_THAT(world.trace.take(), ElementsAre("CONT 601", "CONT 501", "save suspended.json", "save ledger.json",
+                                                "save budget.json", "save liveness.json", "info: Guard stopped"));
+    EXPECT_FALSE(world.isStopped(501));
+}
+
+TEST(EngineSnooze, whateverTheValue)
+{
+    struct Case {
+        std::optional<double> minutes;
+        const char* line;
+        Seconds length;
+    };
+    constexpr Case cases[] = {
+        {std::nullopt, "info: Player snoozed for 15min", 900s},
+        {2.9, "info: Player snoozed for 2min", 174s},
+        {0.0, "info: Player snoozed for 0min", 0s},
+        {-1.5, "info: Player snoozed for -1min", -90s},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.line);
+        ActingWorld world;
+        world.begin();
+        world.engine->snooze("Player", c.minutes);
+        EXPECT_THAT(world.trace.take(), ElementsAre(c.line)) << "nothing is saved";
+        EXPECT_THAT(world.engine->snoozedUntil(), ElementsAre(Pair("Player", world.host.now() + c.length)));
+    }
+}
+
+TEST(EngineSnoozeDeathTest, aNumberOfMinutesThatCanNotBeToldEndsTheProgram)
+{
+    ActingWorld world;
+    world.begin();
+    EXPECT_DEATH(world.engine->snooze("Player", 1e300), "");
+    EXPECT_DEATH(world.engine->resume({"Player", {}, {}, 0, {}}, 1e300), "");
+}
+
+TEST(EnginePrune, anEntryGoesWithItsLastProcess)
+{
+    ActingWorld world;
+    world.app("Studio", {601});
+    world.begin();
+    world.moves(601, mebibyte);
+    world.moves(502, mebibyte);
+    world.roundWith(501, mebibyte);
+    world.leaves(501);
+    EXPECT_THAT(world.round(), IsEmpty()) << "502 is left";
+    world.leaves(502);
+    EXPECT_THAT(world.round(), ElementsAre("save suspended.json"));
+    EXPECT_THAT(world.engine->suspended(), testing::SizeIs(1));
+    EXPECT_EQ(world.engine->suspended()[0].app, "Studio");
+    EXPECT_EQ(world.savedSuspended(), world.engine->suspended());
+    EXPECT_THAT(world.round(), IsEmpty()) << "saved when it got shorter, and only then";
+}
+
+TEST(EnginePrune, aProcessOfSomebodyElseIsAliveToo)
+{
+    PausedWorld world;
+    world.host.process(601, {.start = "another", .denied = true}); // the id was taken over
+    EXPECT_THAT(world.round(), IsEmpty());
+    EXPECT_THAT(world.engine->suspended(), testing::SizeIs(2));
+}
+
+TEST(EnginePrune, notInARoundWithoutASample)
+{
+    PausedWorld world;
+    world.leaves(601);
+    world.goHome();
+    world.round();
+    EXPECT_THAT(world.engine->suspended(), testing::SizeIs(2));
+}
+
+/// What an engine does at its start with this "suspended.json".
+struct Recovery : ActingWorld {
+    Lines lines;
+    explicit Recovery(const std::vector<SuspendedApp>& left) : Recovery(dumpJson(toJson(left)).value()) {}
+    explicit Recovery(std::string text)
+    {
+        host.process(501).stopped = true;
+        host.process(502).stopped = true;
+        host.files().set(file(Persistence::suspendedFile), std::move(text));
+        settings.onboarded = true;
+        Persistence{host.host()}.save(settings, Persistence::settingsFile);
+        options.autoStart = false;
+        static_cast<void>(trace.take());
+        engine.emplace(host.host(), options);
+        lines = trace.take();
+    }
+};
+
+TEST(EngineRecovery, thawsWhoIsStillTheSame)
+{
+    Recovery world{{SuspendedApp{"Player", {502, 501}, {"start of 502", "start of 501"}, 1, {}}}};
+    EXPECT_THAT(world.lines,
+                ElementsAre("start time of 502", "start time of 501", "CONT 502", "CONT 501", "remove suspended.json",
+                            "warning: Recovered from an unclean shutdown — resumed Player"));
+    EXPECT_FALSE(world.isStopped(501));
+    EXPECT_FALSE(world.isStopped(502));
+    EXPECT_THAT(world.engine->suspended(), IsEmpty());
+}
+
+TEST(EngineRecovery, aStrangerWithTheIDGetsNoSignalAndIsNotNamed)
+{
+    Recovery world{{SuspendedApp{"Player", {501}, {"another start"}, 1, {}},
+                    SuspendedApp{"Helper", {502}, {"start of 502"}, 1, {}}}};
+    EXPECT_THAT(world.lines, ElementsAre("start time of 501", "start time of 502", "CONT 502", "remove suspended.json",
+                                         "warning: Recovered from an unclean shutdown — resumed Helper"));
+}
+
+TEST(EngineRecovery, onlyDeadProcessesLeaveNoLine)
+{
+    Recovery world{{SuspendedApp{"Player", {777, 778}, {"a", "b"}, 1, {}}}};
+    EXPECT_THAT(world.lines, ElementsAre("remove suspended.json"));
+}
+
+TEST(EngineRecovery, namesAreJoined)
+{
+    Recovery world{{SuspendedApp{"Player", {501}, {}, 1, {}}, SuspendedApp{"Helper", {502}, {""}, 1, {}}}};
+    EXPECT_THAT(world.lines, ElementsAre("CONT 501", "CONT 502", "remove suspended.json",
+                                         "warning: Recovered from an unclean shutdown — resumed Player, Helper"))
+        << "without a start time being alive is enough";
+}
+
+TEST(EngineRecovery, whoCanNotBeReachedIsNamedAllTheSame)
+{
+    ActingWorld world;
+    world.host.process(501).denied = true;
+    Persistence{world.host.host()}.save(std::vector{SuspendedApp{"Player", {501}, {}, 1, {}}},
+                                        Persistence::suspendedFile);
+    world.options.autoStart = false;
+    world.engine.emplace(world.host.host(), world.options);
+    EXPECT_EQ(messages(*world.engine), ActingWorld::Lines{"Recovered from an unclean shutdown — resumed Player"});
+}
+
+TEST(EngineRecovery, aStartTimeThatCanNotBeReadNowIsARefusal)
+{
+    ActingWorld world;
+    world.host.tool(ToolRole::startTime).fails();
+    Persistence{world.host.host()}.save(std::vector{SuspendedApp{"Player", {501}, {"start of 501"}, 1, {}}},
+                                        Persistence::suspendedFile);
+    world.options.autoStart = false;
+    world.engine.emplace(world.host.host(), world.options);
+    EXPECT_THAT(world.host.signals(), IsEmpty());
+    EXPECT_FALSE(world.savedSuspended());
+}
+
+TEST(EngineRecovery, filesThatAreLeftAsTheyAre)
+{
+    for (const char* text : {"[]", "", "{", "{}", R"([{"app":"Player"}])", R"([{"pids":[501],"bytes":1,"at":1}])",
+                             R"([{"app":"Player","pids":[99999999999],"bytes":1,"at":1}])"}) {
+        SCOPED_TRACE(text);
+        Recovery world{std::string{text}};
+        EXPECT_THAT(world.lines, IsEmpty());
+        EXPECT_EQ(world.host.files().get(world.file(Persistence::suspendedFile)), text);
+    }
+}
+
+TEST(EngineRecovery, idsThatAreNoProcessGetNoSignal)
+{
+    Recovery world{{SuspendedApp{"Player", {0, -1, -501}, {}, 1, {}}}};
+    EXPECT_THAT(world.lines, ElementsAre("remove suspended.json"));
+}
+
+TEST(EngineRecovery, comesBeforeTheStart)
+{
+    ActingWorld world;
+    Persistence{world.host.host()}.save(std::vector{SuspendedApp{"Player", {501}, {}, 1, {}}},
+                                        Persistence::suspendedFile);
+    world.engine.emplace(world.host.host(), world.options);
+    EXPECT_EQ(messages(*world.engine).front(), "Recovered from an unclean shutdown — resumed Player");
+    EXPECT_EQ(messages(*world.engine).back(), "Quellon Pro started · 2 rules");
+}
+
+} // namespace
+} // namespace quellon
