@@ -33,11 +33,13 @@ GuardEngine::GuardEngine(Host host, Options options)
                                          : Capabilities::detect(AppEdition::pro, host_.processes)),
       ledger_(GuardSettings::leastRetention, settings_.sampleInterval, settings_.direction),
       selfPIDs_(Enforcer::selfPIDChain(host_)),
+      protection_(ProtectionPolicy::default_(host_.platform)),
       notifier_(std::move(options.notifier)),
       onEvent_(std::move(options.onEvent)),
       autoResumeSeconds_(options.autoResumeSeconds)
 {
     const bool isPromoted = loadSettings();
+    protection_.policies = settings_.appPolicies;
     const PlanProfile& plan = settings_.activeProfile();
     auto budget = persistence_.load<BudgetStore>(plan.budgetFile);
     budgetStorage_ = budget ? *std::move(budget) : freshBudget(plan);

@@ -103,6 +103,9 @@ public:
     static constexpr Seconds repeatedAskSpan{3600.0};
     /// How long warnings are gathered before they go out.
     static constexpr Seconds batchWindow{5.0};
+    /// How many processes a list of what an earlier run left frozen may name. A longer one is refused: to look at each
+    /// would keep the start waiting, and no desktop's applications are so many processes.
+    static constexpr std::size_t mostOrphans = 4'096;
     /// Shares of the long and of the short threshold that make a chronic application.
     static constexpr double chronicLongRatio = 0.5;
     static constexpr double chronicShortRatio = 0.2;
@@ -261,7 +264,6 @@ private:
     struct Targets;
     void evaluate(const ProcessTable::Entries& table, Date now);
     void checkAlwaysBlockedApps(Date now);
-    [[nodiscard]] ProtectionPolicy protection() const;
     [[nodiscard]] bool isCooling(std::string_view app, Date now) const;
     void respond(const RuleBreach& breach, const Targets& targets, std::vector<RuleBreach>& warnings, Date now);
     void enforce(const RuleBreach& breach, const std::vector<std::int32_t>& targets, Date now);
@@ -309,6 +311,7 @@ private:
     Date lastPersistAt_ = distantPast;
     std::optional<Date> lastLivenessTickAt_;
     std::set<std::int32_t> selfPIDs_;
+    ProtectionPolicy protection_;
     std::function<void(const NotificationPlan&)> notifier_;
     std::function<void(const GuardEvent&)> onEvent_;
     int autoResumeSeconds_;

@@ -31,13 +31,6 @@ EnforcementAction GuardEngine::effectiveAction() const
     return capabilities_.canEnforce ? settings_.enforcementAction : EnforcementAction::warn;
 }
 
-ProtectionPolicy GuardEngine::protection() const
-{
-    ProtectionPolicy policy = ProtectionPolicy::default_(host_.platform);
-    policy.policies = settings_.appPolicies;
-    return policy;
-}
-
 bool GuardEngine::isCooling(std::string_view app, Date now) const
 {
     const auto until = cooldown_.find(app);
@@ -57,8 +50,7 @@ void GuardEngine::countTrigger(std::string_view app, std::uint64_t bytes, Date n
 
 void GuardEngine::evaluate(const ProcessTable::Entries& table, Date now)
 {
-    const ProtectionPolicy policy = protection();
-    const auto groups = policy.protectedGroups(table);
+    const auto groups = protection_.protectedGroups(table);
     checkAlwaysBlockedApps(now);
 
     const auto breaches =
@@ -70,7 +62,7 @@ void GuardEngine::evaluate(const ProcessTable::Entries& table, Date now)
         for (const std::int32_t pid : breach.pids) {
             const ProcessEntry* process = table.find(pid);
             if (process == nullptr) continue;
-            auto decision = policy.decide(*process, selfPIDs_, groups);
+            auto decision = protection_.decide(*process, selfPIDs_, groups);
             if (decision.isAllowed())
                 targets.allowed.push_back(pid);
             else if (!targets.firstReason)

@@ -11,6 +11,17 @@
 
 namespace quellon {
 
+namespace {
+
+std::size_t processCount(const std::vector<SuspendedApp>& entries)
+{
+    std::size_t count = 0;
+    for (const SuspendedApp& entry : entries) count += entry.pids.size();
+    return count;
+}
+
+} // namespace
+
 /// What an action leaves to be done later.
 void GuardEngine::follow(EnforcementAction action, SuspendedApp entry)
 {
@@ -32,14 +43,13 @@ void GuardEngine::enforceNow(const std::vector<std::string>& apps, EnforcementAc
         return;
     }
     const auto table = ProcessTable::parse(Shell::run(host_, host_.platform.tool(ToolRole::ps)).value_or(""));
-    const ProtectionPolicy policy = protection();
-    const auto groups = policy.protectedGroups(table);
+    const auto groups = protection_.protectedGroups(table);
     const auto selfPIDs = Enforcer::selfPIDChain(host_);
     for (const std::string& app : apps) {
         std::vector<std::int32_t> targets;
         for (const ProcessEntry& process : table) {
             if (ProcessTable::appLabel(process.command) != app) continue;
-            if (policy.decide(process, selfPIDs, groups).isAllowed()) targets.push_back(process.pid);
+            if (protection_.decide(process, selfPIDs, groups).isAllowed()) targets.push_back(process.pid);
         }
         const auto acted = Enforcer::apply(host_, action, targets);
         if (acted.empty()) continue;
@@ -105,7 +115,7 @@ void GuardEngine::pruneSuspended()
 void GuardEngine::recoverOrphansFromPreviousRun()
 {
     const auto orphans = persistence_.load<std::vector<SuspendedApp>>(Persistence::suspendedFile);
-    if (!orphans || orphans->empty()) return;
+    if (!orphans || orphans->empty() || processCount(*orphans) > mostOrphans) return;
     std::vector<std::string> names;
     for (const SuspendedApp& entry : *orphans) {
         const auto processes = entry.verifiedLivePIDs(host_);

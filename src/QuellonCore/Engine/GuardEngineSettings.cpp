@@ -40,6 +40,7 @@ void GuardEngine::setSettings(GuardSettings settings)
 void GuardEngine::applySettings(const GuardSettings& previous)
 {
     setUpLedger();
+    protection_.policies = settings_.appPolicies;
     const PlanProfile& former = previous.activeProfile();
     const PlanProfile& plan = settings_.activeProfile();
     if (settings_.activeProfileID != previous.activeProfileID) {
