@@ -20,7 +20,7 @@ MemoryFileStore::MemoryFileStore(const Platform& platform) : platform_{platform}
 std::optional<std::string> MemoryFileStore::read(const Path& file) const
 {
     const auto found = files_.find(canonical(file));
-    if (failsReads_ || found == files_.end()) return std::nullopt;
+    if (failsReads_ || found == files_.end() || found->second.size() > largestFile) return std::nullopt;
     return found->second;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -13,7 +14,11 @@ class FileStore {
 public:
     virtual ~FileStore() = default;
 
-    /// The whole content; absent when it can't be read.
+    /// The largest file that is read. The ledger is the largest of the state: some 30 MB for a day of samples every 5
+    /// seconds.
+    static constexpr std::size_t largestFile = std::size_t{64} * 1024 * 1024;
+
+    /// The whole content; absent when it can't be read, or is larger than `largestFile`.
     [[nodiscard]] virtual std::optional<std::string> read(const std::filesystem::path& file) const = 0;
 
     /// Creates or overwrites the file, readable by the user alone. False when any byte could not be written, and for a

@@ -91,7 +91,10 @@ void Persistence::saveText(std::string_view name, const std::function<std::optio
 
 std::optional<std::string> Persistence::loadText(std::string_view name) const
 {
-    return isPlainName(name) ? files_.read(directory_ / name) : std::nullopt;
+    if (!isPlainName(name)) return std::nullopt;
+    auto text = files_.read(directory_ / name);
+    if (text && name != ledgerFile && text->size() > largestFile) return std::nullopt;
+    return text;
 }
 
 void Persistence::remove(std::string_view name) const

@@ -3,6 +3,7 @@
 #include "QuellonCore/Host/Host.h"
 #include "QuellonCore/Support/Json.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -26,6 +27,10 @@ public:
     static constexpr std::string_view livenessFile = "liveness.json";
     static constexpr std::string_view enforcementHistoryFile = "enforcement-history.json";
     static constexpr std::string_view explanationsFile = "explanations.json";
+
+    /// The largest state file that is looked into, apart from the ledger, which may be as large as a file store reads.
+    /// Honest ones hold some kilobytes.
+    static constexpr std::size_t largestFile = std::size_t{8} * 1024 * 1024;
 
     /// The environment variable that names another folder.
     static constexpr std::string_view stateDirectoryEnvironmentKey = "QUELLON_STATE_DIR";
@@ -51,7 +56,8 @@ public:
         saveText(name, [&value] { return encodeJson(value); });
     }
 
-    /// The file's value; absent when the file can't be read or does not hold a `T`. The file stays as it is.
+    /// The file's value; absent when the file can't be read, is too large or does not hold a `T`. The file stays as it
+    /// is.
     template <typename T>
     [[nodiscard]] std::optional<T> load(std::string_view name) const
     {

@@ -85,6 +85,7 @@ std::optional<std::string> PosixFileStore::read(const fs::path& file) const
     const Descriptor descriptor{open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)}; // a named pipe must not block
     struct stat status {};
     if (!descriptor || fstat(descriptor.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+    if (status.st_size > static_cast<off_t>(largestFile)) return std::nullopt;
     std::string content;
     content.reserve(static_cast<std::size_t>(status.st_size));
     std::array<char, 65'536> buffer{};
@@ -93,6 +94,7 @@ std::optional<std::string> PosixFileStore::read(const fs::path& file) const
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) return std::nullopt;
         if (count == 0) return content;
+        if (content.size() + static_cast<std::size_t>(count) > largestFile) return std::nullopt; // it grows
         content.append(buffer.data(), static_cast<std::size_t>(count));
     }
 }

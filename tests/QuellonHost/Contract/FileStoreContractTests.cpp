@@ -47,6 +47,16 @@ TYPED_TEST(FileStoreContract, readsWhatWasWritten)
     }
 }
 
+TYPED_TEST(FileStoreContract, aFileThatIsTooLargeIsNotRead)
+{
+    std::string content(FileStore::largestFile, 'z');
+    ASSERT_TRUE(this->files.write(this->root / "file", content));
+    EXPECT_EQ(this->files.read(this->root / "file").value_or("").size(), content.size());
+    content += 'z';
+    ASSERT_TRUE(this->files.write(this->root / "file", content));
+    EXPECT_EQ(this->files.read(this->root / "file"), std::nullopt);
+}
+
 TYPED_TEST(FileStoreContract, aShorterContentLeavesNothingOfTheLonger)
 {
     ASSERT_TRUE(this->files.write(this->root / "file", "a long content"));

@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/resource.h>
@@ -187,6 +188,14 @@ TEST_F(PosixFileStoreTest, aNamedPipeDoesNotBlock)
     ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
     EXPECT_EQ(files.read(folder / "pipe"), std::nullopt);
     EXPECT_FALSE(files.write(folder / "pipe", "x"));
+}
+
+TEST_F(PosixFileStoreTest, aHugeFileIsRefusedAtOnce)
+{
+    const auto files = store();
+    std::ofstream{folder / "huge"} << "{}";
+    std::filesystem::resize_file(folder / "huge", 100'000'000); // a hole: nothing is written
+    EXPECT_EQ(files.read(folder / "huge"), std::nullopt);
 }
 
 TEST_F(PosixFileStoreTest, oddNames)
