@@ -66,7 +66,7 @@ int run(char** arguments, const ProgramOptions& options)
     QApplication::setApplicationDisplayName(QStringLiteral("Quellon"));
     QApplication::setDesktopFileName(QStringLiteral("org.quellon.Quellon"));
 
-    QuellonApp app;
+    QuellonApp app{options};
     OverviewWindow window;
     const auto refresh = [&app, &window] {
         window.setModel(OverviewModel::of(app.engine(), app.engine().host().clock.now()));

@@ -1,8 +1,11 @@
 #include "Quellon/ProgramOptions.h"
 
+#include "QuellonCore/Support/Numbers.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace quellon {
 
@@ -12,6 +15,8 @@ namespace {
 
 constexpr std::string_view durationOption = "--duration";
 constexpr std::string_view durationHint = "--duration takes a positive number of seconds, such as 5 or 2.5";
+constexpr std::string_view autoResumeOption = "--auto-resume";
+constexpr std::string_view autoResumeHint = "--auto-resume takes a whole number of seconds, 1 to 1800";
 
 bool isDigit(char c)
 {
@@ -24,6 +29,49 @@ std::optional<std::string> setDuration(ProgramOptions& options, std::string_view
     options.duration = parseDuration(value);
     if (!options.duration) return fmt::format("{}, not \"{}\"", durationHint, value);
     return std::nullopt;
+}
+
+/// Takes over the value of "--auto-resume".
+std::optional<std::string> setAutoResume(ProgramOptions& options, std::string_view value)
+{
+    const bool isSigned = !std::ranges::all_of(value, isDigit);
+    const auto seconds = parseWhole<int>(value);
+    if (isSigned || !seconds || *seconds < 1 || *seconds > Enforcer::autoResumeSeconds) {
+        return fmt::format("{}, not \"{}\"", autoResumeHint, value);
+    }
+    options.autoResumeSeconds = *seconds;
+    return std::nullopt;
+}
+
+/// An option that is followed by a value, in the next word or in its own behind "=".
+struct ValueOption {
+    std::string_view name;
+    std::string_view hint;
+    std::optional<std::string> (*set)(ProgramOptions& options, std::string_view value);
+};
+constexpr ValueOption valueOptions[] = {
+    {durationOption, durationHint, setDuration},
+    {autoResumeOption, autoResumeHint, setAutoResume},
+};
+
+/// The one that `word` begins with; null when none does.
+const ValueOption* valueOption(std::string_view word)
+{
+    const auto* const found = std::ranges::find(valueOptions, word.substr(0, word.find('=')), &ValueOption::name);
+    return found == std::end(valueOptions) ? nullptr : found;
+}
+
+/// Takes over the value that stands in `word`, or else at the front of `rest`.
+std::optional<std::string> setValue(const ValueOption& option, ProgramOptions& options, std::string_view word,
+                                    std::span<const std::string_view>& rest)
+{
+    if (const auto equals = word.find('='); equals != std::string_view::npos) {
+        return option.set(options, word.substr(equals + 1));
+    }
+    if (rest.empty()) return std::string{option.hint};
+    const std::string_view value = rest.front();
+    rest = rest.subspan(1);
+    return option.set(options, value);
 }
 
 std::optional<std::string> setView(ProgramOptions& options, ProgramOptions::View view)
@@ -48,13 +96,8 @@ std::optional<std::string> takeOption(ProgramOptions& options, std::span<const s
         return setView(options, ProgramOptions::View::terminal);
     } else if (option == "--plain") {
         return setView(options, ProgramOptions::View::plain);
-    } else if (option == durationOption) {
-        if (rest.empty()) return std::string{durationHint};
-        const std::string_view value = rest.front();
-        rest = rest.subspan(1);
-        return setDuration(options, value);
-    } else if (option.starts_with(durationOption) && option.substr(durationOption.size()).starts_with('=')) {
-        return setDuration(options, option.substr(durationOption.size() + 1));
+    } else if (const ValueOption* const withValue = valueOption(option)) {
+        return setValue(*withValue, options, option, rest);
     } else if (option.starts_with('-')) {
         return fmt::format("unknown option \"{}\"", option);
     } else {
@@ -96,12 +139,14 @@ std::string_view help()
            "\n"
            "Without options it opens its window where there is a display, and the terminal view otherwise.\n"
            "\n"
-           "  --terminal          the terminal view; q, Ctrl-C or SIGTERM ends it\n"
-           "  --plain             lines: the activity as it comes, and a table after each sample;\n"
-           "                      also what --terminal does when standard output is no terminal\n"
-           "  --duration SECONDS  end after this time, such as 5 or 2.5\n"
-           "  -h, --help          print this and end\n"
-           "  --version           print the version and end\n"
+           "  --terminal             the terminal view; q, Ctrl-C or SIGTERM ends it\n"
+           "  --plain                lines: the activity as it comes, and a table after each sample;\n"
+           "                         also what --terminal does when standard output is no terminal\n"
+           "  --duration SECONDS     end after this time, such as 5 or 2.5\n"
+           "  --auto-resume SECONDS  what is frozen thaws after this time, whatever has become of the guard;\n"
+           "                         1 to 1800, which is the default\n"
+           "  -h, --help             print this and end\n"
+           "  --version              print the version and end\n"
            "\n"
            "NO_COLOR, when set, keeps the terminal view free of colours.\n"
            "\n"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "QuellonCore/Enforcement/Enforcer.h"
 #include "QuellonCore/Support/Time.h"
 
 #include <optional>
@@ -14,7 +15,8 @@ struct ProgramOptions {
     enum class View { automatic, terminal, plain };
 
     View view = View::automatic;
-    std::optional<Seconds> duration; ///< Ends the program; absent: somebody else does.
+    std::optional<Seconds> duration;                     ///< Ends the program; absent: somebody else does.
+    int autoResumeSeconds = Enforcer::autoResumeSeconds; ///< After how long a freeze ends, whatever becomes of us.
     bool help = false;
     bool version = false;
     bool operator==(const ProgramOptions&) const = default;

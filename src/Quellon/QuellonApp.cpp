@@ -19,16 +19,17 @@ bool wantsColours(const ProcessControl& processes)
     return processes.environment("NO_COLOR").value_or("").empty();
 }
 
-GuardEngine::Options engineOptions(NotificationFeed& notifications)
+GuardEngine::Options engineOptions(NotificationFeed& notifications, const ProgramOptions& asked)
 {
     GuardEngine::Options options;
+    options.autoResumeSeconds = asked.autoResumeSeconds;
     options.notifier = [&notifications](const NotificationPlan& plan) { notifications.deliver(plan); };
     return options;
 }
 
 } // namespace
 
-QuellonApp::QuellonApp() : engine_(host_.host(), engineOptions(notifications_))
+QuellonApp::QuellonApp(const ProgramOptions& options) : engine_(host_.host(), engineOptions(notifications_, options))
 {
     // Before any view: from here on a signal ends the program by way of the clean-up.
     AppDelegate::applicationDidFinishLaunching(host_.host());

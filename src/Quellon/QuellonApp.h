@@ -11,7 +11,7 @@ namespace quellon {
 /// SIGINT end the process in order from then on.
 class QuellonApp {
 public:
-    QuellonApp();
+    explicit QuellonApp(const ProgramOptions& options);
     QuellonApp(const QuellonApp&) = delete;
     QuellonApp& operator=(const QuellonApp&) = delete;
 

@@ -46,9 +46,9 @@ int main(int argumentCount, char** arguments)
     case ChosenView::desktop:
         return DesktopProgram::run(arguments, options);
     case ChosenView::terminal:
-        return QuellonApp{}.runTerminal(options);
+        return QuellonApp{options}.runTerminal(options);
     case ChosenView::plain:
         break;
     }
-    return QuellonApp{}.runPlain(options);
+    return QuellonApp{options}.runPlain(options);
 }

@@ -29,6 +29,11 @@ TEST(CommandLine, rightOnes)
         {"duration in one word", {"--duration=2.5"}, {.duration = Seconds{2.5}}},
         {"the last duration holds", {"--duration", "5", "--duration", "7"}, {.duration = Seconds{7}}},
         {"both", {"--terminal", "--duration", "60"}, {.view = View::terminal, .duration = Seconds{60}}},
+        {"the shortest freeze", {"--auto-resume", "1"}, {.duration = {}, .autoResumeSeconds = 1}},
+        {"the longest freeze", {"--auto-resume=1800"}, {.duration = {}, .autoResumeSeconds = 1800}},
+        {"the last freeze holds",
+         {"--auto-resume", "5", "--auto-resume=007"},
+         {.duration = {}, .autoResumeSeconds = 7}},
         {"help", {"--help"}, {.duration = {}, .help = true}},
         {"help in short", {"-h"}, {.duration = {}, .help = true}},
         {"version", {"--version"}, {.duration = {}, .version = true}},
@@ -47,6 +52,7 @@ TEST(CommandLine, wrongOnes)
         const char* error;
     };
     constexpr const char* value = "--duration takes a positive number of seconds, such as 5 or 2.5";
+    constexpr const char* freeze = "--auto-resume takes a whole number of seconds, 1 to 1800";
     const Case cases[] = {
         {"unknown option", {"--fast"}, "unknown option \"--fast\""},
         {"unknown short option", {"-x"}, "unknown option \"-x\""},
@@ -60,6 +66,17 @@ TEST(CommandLine, wrongOnes)
         {"an option for a value", {"--duration", "--plain"}, value},
         {"an empty value", {"--duration="}, value},
         {"zero", {"--duration", "0"}, value},
+        {"no length of a freeze", {"--auto-resume"}, freeze},
+        {"an option for it", {"--auto-resume", "--plain"}, freeze},
+        {"an empty one", {"--auto-resume="}, freeze},
+        {"no freeze at all", {"--auto-resume", "0"}, freeze},
+        {"a negative one", {"--auto-resume", "-1"}, freeze},
+        {"a signed one", {"--auto-resume", "+5"}, freeze},
+        {"too long a freeze", {"--auto-resume", "1801"}, freeze},
+        {"longer than any number", {"--auto-resume", "99999999999999999999"}, freeze},
+        {"a fraction", {"--auto-resume", "2.5"}, freeze},
+        {"with a unit", {"--auto-resume", "5s"}, freeze},
+        {"a longer word for it", {"--auto-resumes=5"}, "unknown option \"--auto-resumes=5\""},
         {"both views", {"--plain", "--terminal"}, "--terminal and --plain exclude each other"},
         {"help does not hide a mistake", {"--help", "--fast"}, "unknown option \"--fast\""},
     };
@@ -112,7 +129,8 @@ TEST(CommandLine, parseDuration)
 
 TEST(CommandLine, helpNamesEveryOption)
 {
-    for (const char* option : {"--terminal", "--plain", "--duration", "--help", "--version", "Exit status"}) {
+    for (const char* option :
+         {"--terminal", "--plain", "--duration", "--auto-resume", "--help", "--version", "Exit status"}) {
         EXPECT_THAT(std::string{CommandLine::help()}, HasSubstr(option));
     }
 }
