@@ -1,5 +1,6 @@
 #include "QuellonHost/Linux/LinuxProcessControl.h"
 
+#include "QuellonHost/Linux/StopLifeline.h"
 #include "QuellonHost/Posix/Descriptor.h"
 
 #include <algorithm>
@@ -40,7 +41,11 @@ class HeldProcess final : public ProcessReference {
 public:
     HeldProcess(std::int32_t pid, Descriptor descriptor) : ProcessReference{pid}, descriptor_{std::move(descriptor)} {}
     [[nodiscard]] bool isAlive() const override { return deliver(0) || errno == EPERM; }
-    bool send(ProcessSignal signal) override { return deliver(PosixProcessControl::systemNumber(signal)); }
+    bool send(ProcessSignal signal) override
+    {
+        if (signal == ProcessSignal::stop) StopLifeline::tie(descriptor_.get());
+        return deliver(PosixProcessControl::systemNumber(signal));
+    }
 
 private:
     [[nodiscard]] bool deliver(int number) const
