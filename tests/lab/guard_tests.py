@@ -1,32 +1,10 @@
 #!/usr/bin/env python3
 """The real guard and its probe, watching real programs download in the lab."""
 
-import json
-import os
-import unittest
-
 import labs
-from labs import LAB, run
-
-SCENE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "scene.py")
 
 
-class GuardCase(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        reason = labs.why_not([LAB])
-        if reason:
-            raise unittest.SkipTest(reason)
-
-    @staticmethod
-    def play(scene: str) -> dict:
-        """What scene.py saw of the programs under test."""
-        folder = os.path.dirname(os.environ["QUELLON"])
-        done = run([LAB, "--reach", folder, SCENE, scene, folder], timeout=150)
-        if done.returncode != 0:
-            raise AssertionError(done.stderr)
-        return json.loads(done.stdout)
-
+class GuardCase(labs.SceneCase):
     def assert_within(self, measured: int, true: int, tolerance: float):
         print(f"{measured} of {true} bytes: {100 * (measured / true - 1):+.3f} %")
         self.assertLessEqual(abs(measured - true), tolerance * true)

@@ -1,5 +1,6 @@
 """What the tests around the lab share: starting labs, watching them go, and being skipped where there can be none."""
 
+import json
 import os
 import subprocess
 import sys
@@ -26,6 +27,28 @@ def why_not(lab: list) -> str:
     """Why this lab can't run here; empty where it can."""
     checked = run([*lab, "check"])
     return "" if checked.returncode == 0 else checked.stdout.strip() or checked.stderr.strip()
+
+
+class SceneCase(unittest.TestCase):
+    """Tests of what is seen in the lab: `script` plays a scene there, and the tests judge."""
+
+    script = "scene.py"
+
+    @classmethod
+    def setUpClass(cls):
+        reason = why_not([LAB])
+        if reason:
+            raise unittest.SkipTest(reason)
+
+    @classmethod
+    def play(cls, scene: str) -> dict:
+        """What the scene saw of the programs under test."""
+        folder = os.path.dirname(os.environ["QUELLON"])
+        script = os.path.join(REPOSITORY, "tests", "lab", cls.script)
+        done = run([LAB, "--reach", folder, script, scene, folder], timeout=200)
+        if done.returncode != 0:
+            raise AssertionError(done.stderr)
+        return json.loads(done.stdout)
 
 
 def wait_until(condition, what: str, seconds: float = 20.0):
