@@ -218,17 +218,13 @@ std::string menuBarText(const ControlsModel& model, const std::string& stateTitl
 
 Line helpLine(const ControlsModel& model, int width)
 {
-    Line line{{std::string{KeyNames::quit}, Style::strong},
-              {fmt::format(" {}", ControlsModel::quitEffect), Style::faint}};
-    int room = width - lineWidth(line);
+    std::string text = fmt::format("{} {}", KeyNames::quit, ControlsModel::quitEffect);
     for (const auto& offer : model.offers) {
-        const Line item{{fmt::format("  {}", KeyNames::of(offer.command)), Style::strong},
-                        {fmt::format(" {}", offer.effect), Style::faint}};
-        room -= lineWidth(item);
-        if (room < 0) break;
-        line.insert(line.end(), item.begin(), item.end());
+        const std::string item = fmt::format("  {} {}", KeyNames::of(offer.command), offer.effect);
+        if (CellText::width(text) + CellText::width(item) > width) break;
+        text += item;
     }
-    return joined(line, width);
+    return joined({{text, Style::faint}}, width);
 }
 
 } // namespace quellon::TerminalLayout

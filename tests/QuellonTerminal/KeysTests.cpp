@@ -139,6 +139,8 @@ TEST_F(KeyEffects, resumeAndSnooze)
 
 TEST_F(KeyEffects, answer)
 {
+    world.host.advance(1s);
+    static_cast<void>(world.trace.take());
     EXPECT_THAT(type("1"), ElementsAre("CONT 601", "save suspended.json", "info: Resumed Mailer"))
         << "the latest question";
     EXPECT_THAT(type("1"), IsEmpty());

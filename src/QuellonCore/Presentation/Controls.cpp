@@ -20,7 +20,12 @@ Controls::Controls(GuardEngine& engine, NotificationFeed& feed, std::function<vo
 void Controls::show(const NotificationPlan& plan)
 {
     const Place place = plan.actions.empty() ? &Controls::note_ : &Controls::question_;
-    Shown& shown = (this->*place).emplace(Shown{plan, nullptr});
+    settle();
+    const bool replaces = (this->*place).has_value();
+    Shown& shown = (this->*place).emplace(Shown{plan, nullptr, nullptr});
+    if (replaces) {
+        shown.hold = engine_.host().runLoop.after(replacedTime, [this, place] { (this->*place)->hold.reset(); });
+    }
     if (plan.style == NotificationStyle::transient) {
         shown.end = engine_.host().runLoop.after(transientTime, [this, place] {
             (this->*place).reset();
@@ -169,7 +174,7 @@ void Controls::perform(ControlCommand command)
 void Controls::answer(std::size_t button)
 {
     settle();
-    if (!question_ || button >= question_->plan.actions.size()) return;
+    if (!question_ || question_->hold || button >= question_->plan.actions.size()) return;
     const NotificationPlan plan = question_->plan;
     question_.reset();
     NotificationRouting::perform(plan.actions[button], plan.apps, engine_,

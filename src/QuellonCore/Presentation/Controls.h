@@ -16,6 +16,9 @@ class Controls {
 public:
     /// How long a notification stays that goes by itself.
     static constexpr Seconds transientTime{6.0};
+    /// How long a question that has taken another's place takes no answer: what the user presses in that moment was
+    /// meant for the other one.
+    static constexpr Seconds replacedTime{0.5};
 
     /// `changed` is called in a turn of the run loop after the model has changed other than by the engine.
     Controls(GuardEngine& engine, NotificationFeed& feed, std::function<void()> changed);
@@ -29,13 +32,14 @@ public:
     void perform(ControlCommand command);
 
     /// Presses a button of the question, 0 for the first; with that the question is answered. Does nothing when there
-    /// is no such button.
+    /// is no such button, or the question has only just taken another's place.
     void answer(std::size_t button);
 
 private:
     struct Shown {
         NotificationPlan plan;
         RunLoop::Handle end;
+        RunLoop::Handle hold; ///< While it takes no answer.
     };
     using Place = std::optional<Shown> Controls::*;
 

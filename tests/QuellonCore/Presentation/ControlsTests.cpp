@@ -232,6 +232,25 @@ TEST_F(ControlsTest, aQuestionStaysUntilItIsReplaced)
     EXPECT_EQ(model().question->title, "second") << "what has no answers takes a place of its own";
 }
 
+TEST_F(ControlsTest, whatIsPressedAsAQuestionIsReplacedWasMeantForTheOther)
+{
+    feed.deliver(question("first"));
+    feed.deliver(plan("second", NotificationStyle::persistent, {NotificationAction::terminate}));
+    world.host.advance(0.4s);
+    EXPECT_THAT(answer(0), IsEmpty());
+    EXPECT_EQ(model().question->title, "second");
+    world.host.advance(0.1s);
+    EXPECT_THAT(answer(0), ElementsAre("TERM 501", "TERM 502", "start time of 501", "start time of 502",
+                                       "enforced: Player → 退出 (from notification)"));
+    feed.deliver(question("third"));
+    EXPECT_THAT(answer(0), ElementsAre("info: Player snoozed for 20min")) << "it took nobody's place";
+    feed.deliver(question("fourth"));
+    feed.deliver(question("fifth"));
+    static_cast<void>(perform(Command::dismiss));
+    world.host.advance(1s);
+    EXPECT_EQ(model().question, std::nullopt);
+}
+
 TEST_F(ControlsTest, transientOnesGoAfterSixSeconds)
 {
     world.engine->stop();
