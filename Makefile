@@ -5,7 +5,7 @@ MAKEFLAGS += --no-print-directory
 
 help:
 	@echo "make run       install what is missing, build, start the guard (ARGS=\"--plain\" passes options)"
-	@echo "make demo      a phone, a laptop and a runaway download inside this machine, watched for a minute"
+	@echo "make demo      a phone, a laptop and a runaway download inside this machine, frozen within a minute"
 	@echo "make test      build and run the whole test suite"
 	@echo "make bench     what watching costs, beside the usual tools"
 	@echo "make format    lay out the code with clang-format"
