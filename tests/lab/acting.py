@@ -23,6 +23,10 @@ SUSPENDED = os.path.join(STATE, "suspended.json")
 RULE = {"id": "0B0E5A52-7D3C-4E0C-9E57-3A2B6C1D4F01", "windowSeconds": 60, "thresholdBytes": 1_000_000,
         "level": "enforce", "enabled": True}
 
+# A download, and a threshold of which it is frozen once and not again: what still comes in is less than that.
+ONCE_THRESHOLD = 4_000_000
+ONCE = ("photo-backup", 7_900_000, 1_000_000)
+
 
 def save_settings(folder: str = STATE, threshold: int = RULE["thresholdBytes"], **values):
     """Settings with one rule that is quickly crossed."""

@@ -20,10 +20,10 @@ MEGABYTES = 1_000_000
 
 def freeze(folder: str) -> dict:
     """A runaway download is frozen; the guard ends, and the download goes on to its end."""
-    save_settings()
+    save_settings(threshold=acting.ONCE_THRESHOLD)
     with Guard(folder) as guard:
         guard.baseline()
-        with downloading("photo-backup", 12 * MEGABYTES, 2 * MEGABYTES) as download:
+        with downloading(*acting.ONCE) as download:
             guard.wait_for(download.is_frozen, "a frozen download")
             guard.wait_for_text("Resume")
             entries = suspended()

@@ -16,7 +16,7 @@ import time
 
 import acting
 import labs
-from acting import Guard, downloading, save_settings, state, suspended
+from acting import ONCE, ONCE_THRESHOLD, Guard, downloading, save_settings, state, suspended
 
 MEGABYTES = 1_000_000
 EARLIER_START = "an earlier process of this number"
@@ -51,18 +51,19 @@ def interrupted(folder: str) -> dict:
 
 def recovery(folder: str) -> dict:
     """The guard is killed; the next one thaws what the first one froze."""
-    save_settings()
-    with downloading("photo-backup", 12 * MEGABYTES, 2 * MEGABYTES) as download:
-        with Guard(folder) as guard:
-            guard.wait_for(lambda: is_recorded(download), "a frozen download")
-            guard.wait_for_lifelines()
-            seen = {"killed": guard.end(signal.SIGKILL), "state": state(download.pid)}
-        # No rule any more: what is thawed stays so.
-        save_settings(threshold=10**12)
-        with Guard(folder) as guard:
-            guard.wait_for_text("Recovered from")
-            seen |= {"left": suspended()} | download.finish()
-            return seen | {"guard": guard.end(), "lines": guard.lines()}
+    save_settings(threshold=ONCE_THRESHOLD)
+    with Guard(folder) as first:
+        first.baseline()
+        with downloading(*ONCE) as download:
+            first.wait_for(lambda: is_recorded(download), "a frozen download")
+            first.wait_for_lifelines()
+            seen = {"killed": first.end(signal.SIGKILL), "state": state(download.pid)}
+            # No rule that could be crossed any more: what is thawed stays so.
+            save_settings(threshold=10**12)
+            with Guard(folder) as second:
+                second.wait_for_text("Recovered from")
+                seen |= {"left": suspended()} | download.finish()
+                return seen | {"guard": second.end(), "lines": second.lines()}
 
 
 def watchdog_of(process: int) -> int:
@@ -80,12 +81,12 @@ def watchdog_of(process: int) -> int:
 
 def watchdog(folder: str) -> dict:
     """The guard goes down with its terminal, and nobody starts another; its watchdog thaws what it froze."""
-    save_settings()
+    save_settings(threshold=ONCE_THRESHOLD)
     ledger = os.path.join(acting.STATE, "ledger.json")
-    delay = 20
+    delay = 25
     with Guard(folder, "--auto-resume", str(delay), terminal=True) as guard:
         guard.wait_for(lambda: os.path.exists(ledger), "the first sample")
-        with downloading("photo-backup", 12 * MEGABYTES, 2 * MEGABYTES) as download:
+        with downloading(*ONCE) as download:
             guard.wait_for(lambda: is_recorded(download), "a frozen download")
             frozen_at = time.monotonic()
             process = watchdog_of(download.pid)
