@@ -1,5 +1,7 @@
 #include "Quellon/AppDelegate.h"
 
+#include <utility>
+
 namespace quellon {
 
 std::function<void()> AppDelegate::cleanup;
@@ -13,7 +15,7 @@ void AppDelegate::applicationDidFinishLaunching(const Host& host)
 
 void AppDelegate::applicationWillTerminate()
 {
-    if (cleanup) cleanup();
+    if (const auto work = std::exchange(cleanup, nullptr)) work();
 }
 
 } // namespace quellon

@@ -11,7 +11,7 @@ namespace quellon {
 /// The two moments of an application's life at which something must be seen to. Main thread only.
 class AppDelegate {
 public:
-    /// What must run before the process ends, by whatever way it can be told of. May be empty.
+    /// What must run before the process ends, by whatever way it can be told of. May be empty. Runs once.
     static std::function<void()> cleanup;
 
     /// From now on SIGTERM and SIGINT end the process in order, with `cleanup` and exit status 0.

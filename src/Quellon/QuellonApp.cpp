@@ -31,6 +31,7 @@ GuardEngine::Options engineOptions(NotificationFeed& notifications, const Progra
 
 QuellonApp::QuellonApp(const ProgramOptions& options) : engine_(host_.host(), engineOptions(notifications_, options))
 {
+    AppDelegate::cleanup = [this] { engine_.resumeAll(true); };
     // Before any view: from here on a signal ends the program by way of the clean-up.
     AppDelegate::applicationDidFinishLaunching(host_.host());
 }
@@ -40,7 +41,11 @@ int QuellonApp::runTerminal(const ProgramOptions& options)
     const TerminalView::Options viewOptions{.colours = wantsColours(host_.host().processes),
                                             .keys = isatty(STDIN_FILENO) == 1};
     std::unique_ptr<TerminalView> view;
-    AppDelegate::cleanup = [&view] { view.reset(); };
+    // First what is frozen: the terminal may make the program wait.
+    AppDelegate::cleanup = [this, &view] {
+        engine_.resumeAll(true);
+        view.reset();
+    };
     view = TerminalView::open(
         engine_, notifications_, viewOptions,
         [this](int descriptor, RunLoop::Work ready) { return runLoop().watch(descriptor, std::move(ready)); },
@@ -73,7 +78,6 @@ void QuellonApp::run(const ProgramOptions& options)
     if (options.duration) end = runLoop().after(*options.duration, [this] { runLoop().quit(); });
     runLoop().run();
     AppDelegate::applicationWillTerminate();
-    AppDelegate::cleanup = nullptr;
 }
 
 } // namespace quellon
