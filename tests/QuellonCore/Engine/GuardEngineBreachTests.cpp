@@ -7,11 +7,8 @@ namespace quellon {
 namespace {
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::IsEmpty;
 using testing::Pair;
-
-constexpr const char* budgetLine = "0% of your plan used · 30.00 GB left";
 
 TEST(EngineBreach, aFreezeDoesEverythingInItsOrder)
 {
@@ -227,82 +224,6 @@ TEST(EngineBreach, aBuildThatMayNotStepInOnlyTells)
     EXPECT_THAT(world.host.signals(), IsEmpty());
 }
 
-/// Lets a supervisor start the application anew and that one breach; what the guard did about it.
-ActingWorld::Lines comesBack(ActingWorld& world, std::int32_t former, std::int32_t now)
-{
-    if (world.host.process(former).alive) world.leaves(former);
-    world.app("Player", {now});
-    world.rounds(2); // past the cool-down
-    return withoutCadence(world.roundWith(now, 2 * mebibyte));
-}
-
-TEST(EngineBreach, theThirdEnforcementFreezesAndSaysSoOnceAnHour)
-{
-    ActingWorld world;
-    world.settings.enforcementAction = EnforcementAction::terminate;
-    world.begin();
-    world.leaves(502);
-    world.roundWith(501, 2 * mebibyte);
-    EXPECT_THAT(comesBack(world, 501, 511),
-                ElementsAre("TERM 511", "save enforcement-history.json", "enforced: Player used 2.0 MB in 1min → 退出",
-                            "start time of 511", "notify: Player was stopped"));
-    world.plans.clear();
-    EXPECT_THAT(comesBack(world, 511, 521),
-                ElementsAre("STOP 521", "save enforcement-history.json",
-                            "enforced: Player used 2.0 MB in 1min → 暂停（可恢复） (kill loop breaker)",
-                            "start time of 521", "spawn sleep 1800; kill -CONT 521 2>/dev/null", "save suspended.json",
-                            "save enforcement-history.json", "notify: Player keeps coming back"));
-    ASSERT_THAT(world.plans, testing::SizeIs(1));
-    EXPECT_EQ(world.plans[0].style, NotificationStyle::persistent);
-    EXPECT_EQ(world.plans[0].subtitle, "3 times in 6 h · ≥6.0 MB spent retrying");
-    EXPECT_EQ(world.plans[0].body, std::string{"Stopping it just makes it start over, so it is frozen instead. Let it "
-                                               "finish once, or never limit it.\n"} +
-                                       budgetLine);
-    EXPECT_THAT(world.plans[0].actions, ElementsAre(NotificationAction::resumeAndSnooze, NotificationAction::allowlist,
-                                                    NotificationAction::view));
-    EXPECT_EQ(world.engine->enforcementHistory().records.back().action, EnforcementAction::suspend);
-    EXPECT_EQ(world.engine->enforcementHistory().records.back().loopBreaker, true);
-
-    EXPECT_THAT(comesBack(world, 521, 531),
-                ElementsAre("STOP 531", "save enforcement-history.json",
-                            "enforced: Player used 2.0 MB in 1min → 暂停（可恢复） (kill loop breaker)",
-                            "start time of 531", "spawn sleep 1800; kill -CONT 531 2>/dev/null",
-                            "save suspended.json"));
-    EXPECT_EQ(world.plans.size(), 1U) << "at most one notice an hour";
-
-    world.host.advance(3'600s);
-    EXPECT_EQ(comesBack(world, 531, 541).back(), "notify: Player keeps coming back");
-}
-
-TEST(EngineBreach, theThirdFreezeOfAConfiguredPauseCarriesTheSameWords)
-{
-    ActingWorld world;
-    world.begin();
-    world.leaves(502);
-    world.roundWith(501, 2 * mebibyte);
-    EXPECT_EQ(comesBack(world, 501, 511).back(), "notify: Player was paused");
-    const auto done = comesBack(world, 511, 521);
-    EXPECT_THAT(done, testing::Contains("enforced: Player used 2.0 MB in 1min → 暂停（可恢复） (kill loop breaker)"));
-    EXPECT_EQ(done.back(), "notify: Player keeps coming back");
-    EXPECT_EQ(world.engine->enforcementHistory().records.back().loopBreaker, true);
-}
-
-TEST(EngineBreach, enforcementsOfSixHoursAgoMakeNoLoop)
-{
-    ActingWorld world;
-    world.settings.enforcementAction = EnforcementAction::kill;
-    EnforcementHistory history;
-    const Date first = world.host.now() + 5s; // when the breach will be
-    for (const Seconds age : {21'600s, 21'601s}) {
-        history.records.push_back({"Player", first - age, 1, EnforcementAction::kill, "1min", std::nullopt,
-                                   EnforcementHistory::Kind::enforced});
-    }
-    Persistence{world.host.host()}.save(history, Persistence::enforcementHistoryFile);
-    world.begin();
-    EXPECT_EQ(world.roundWith(501, 2 * mebibyte).front(), "KILL 501") << "one of the two still counts";
-    EXPECT_EQ(world.engine->enforcementHistory().records.size(), 2U) << "the other one was dropped";
-}
-
 TEST(EngineBreach, aBreachWithinTenSecondsOfActingIsDropped)
 {
     ActingWorld world;
@@ -412,19 +333,6 @@ TEST(EngineBreach, aStartTimeThatCanNotBeReadIsKeptAsAnEmptyText)
     EXPECT_THAT(world.engine->suspended().at(0).starts, ElementsAre(""));
 }
 
-TEST(EngineBreach, aBurstOfProcessesThatHaveLeftTheTableIsToldStill)
-{
-    ActingWorld world;
-    world.begin();
-    world.engine->snooze("Player", 0.1); // over after 6 s
-    static_cast<void>(world.trace.take());
-    EXPECT_THAT(world.roundWith(501, 2 * mebibyte), IsEmpty());
-    world.leavesTable(501);
-    EXPECT_THAT(world.round(), ElementsAre("warning: Player used 2.0 MB in 1min"));
-    EXPECT_EQ(world.round(), ActingWorld::Lines{"notify: Player is using a lot of data"});
-    EXPECT_THAT(world.host.signals(), IsEmpty());
-}
-
 TEST(EngineBreach, whoIsStillInTheTableIsActedOnAlone)
 {
     ActingWorld world;
@@ -433,64 +341,6 @@ TEST(EngineBreach, whoIsStillInTheTableIsActedOnAlone)
     world.leavesTable(501);
     EXPECT_EQ(world.roundWith(502, mebibyte / 2).front(), "STOP 502");
     EXPECT_THAT(world.host.signals(), testing::SizeIs(1));
-}
-
-TEST(EngineBreach, warningsAreGatheredForFiveSeconds)
-{
-    ActingWorld world{ActionLevel::ask};
-    world.app("Studio", {601});
-    world.begin();
-    EXPECT_THAT(world.roundWith(501, 2 * mebibyte), ElementsAre("warning: Player used 2.0 MB in 1min"));
-    EXPECT_THAT(world.roundWith(601, mebibyte),
-                ElementsAre("warning: Studio used 1.0 MB in 1min", "notify: 2 apps are using a lot of data"));
-    EXPECT_THAT(world.plans.at(0).apps, ElementsAre("Player", "Studio"));
-    EXPECT_THAT(world.rounds(3), IsEmpty());
-}
-
-TEST(EngineBreach, aSingleWarningComesDueInARoundWithoutOne)
-{
-    ActingWorld world{ActionLevel::ask};
-    world.begin();
-    world.roundWith(501, 2 * mebibyte);
-    EXPECT_THAT(world.round(), ElementsAre("notify: Player is using a lot of data"));
-    EXPECT_EQ(world.plans.at(0).subtitle, "2.0 MB in 1min · limit 1.0 MB");
-    EXPECT_EQ(world.plans.at(0).body, budgetLine);
-}
-
-TEST(EngineBreach, warningsWhileNotifyingIsOffAreNotHeldForLater)
-{
-    ActingWorld world{ActionLevel::ask};
-    world.settings.notify = false;
-    world.begin();
-    world.roundWith(501, 2 * mebibyte);
-    GuardSettings settings = world.engine->settings();
-    settings.notify = true;
-    world.engine->setSettings(settings);
-    world.rounds(4);
-    EXPECT_THAT(world.plans, IsEmpty());
-}
-
-TEST(EngineBreach, aHighlightGetsEverythingButANotification)
-{
-    ActingWorld world{ActionLevel::highlight};
-    world.begin();
-    EXPECT_THAT(world.roundWith(501, 2 * mebibyte), ElementsAre("warning: Player used 2.0 MB in 1min"));
-    EXPECT_THAT(world.rounds(3), IsEmpty());
-    EXPECT_EQ(world.engine->liveness().triggerCount, 1);
-    EXPECT_EQ(world.engine->lastAlert()->app, "Player");
-    EXPECT_TRUE(world.engine->cooldown().contains("Player"));
-}
-
-TEST(EngineBreach, aWarningComesBackWhenItsCoolDownIsOver)
-{
-    ActingWorld world{ActionLevel::notify};
-    world.settings.rules()[0].windowSeconds = 600s;
-    world.begin();
-    EXPECT_THAT(world.roundWith(501, 2 * mebibyte), ElementsAre("warning: Player used 2.0 MB in 10min"));
-    world.round();
-    EXPECT_THAT(withoutCadence(world.rounds(58)), IsEmpty());
-    EXPECT_THAT(withoutCadence(world.round()), ElementsAre("warning: Player used 2.0 MB in 10min"))
-        << "300 s later; what it used is still there";
 }
 
 TEST(EngineBreach, breachesGoByLevelAndThenByBytes)

@@ -6,7 +6,6 @@ namespace quellon {
 namespace {
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::IsEmpty;
 
 /// Two plans: "Phone" (active, in "budget.json") and "Travel" (in a file of its own).
