@@ -130,6 +130,12 @@ void GuardEngine::markAlertsSeen()
     changed();
 }
 
+void GuardEngine::setDetailApp(std::optional<std::string> app)
+{
+    detailApp_ = std::move(app);
+    changed();
+}
+
 void GuardEngine::setNotificationCapability(const NotificationCapability& capability)
 {
     notificationCapability_ = capability;

@@ -183,6 +183,8 @@ public:
 
     /// The user has seen the latest alert.
     void markAlertsSeen();
+    /// The user asks for the details of an application, or for nobody's.
+    void setDetailApp(std::optional<std::string> app);
     /// Whether warnings can reach the user; the notification layer keeps it up to date.
     void setNotificationCapability(const NotificationCapability& capability);
 
@@ -230,6 +232,15 @@ public:
     {
         return protectedReasons_;
     }
+    /// The applications whose lookups are under way.
+    [[nodiscard]] const std::set<std::string>& explainInFlight() const { return explainInFlight_; }
+    /// What the user is told of a lookup that failed, per application.
+    [[nodiscard]] const std::map<std::string, std::string, std::less<>>& explainFailures() const
+    {
+        return explainFailures_;
+    }
+    /// The application whose details are asked for.
+    [[nodiscard]] const std::optional<std::string>& detailApp() const { return detailApp_; }
     [[nodiscard]] const NotificationCapability& notificationCapability() const { return notificationCapability_; }
     /// How the guard steps in here: what the settings say, or `warn` where it may not.
     [[nodiscard]] EnforcementAction effectiveAction() const;
@@ -299,6 +310,9 @@ private:
     LivenessStats liveness_;
     std::optional<Date> lastSampleFailureAt_;
     std::map<std::string, std::string, std::less<>> protectedReasons_;
+    std::set<std::string> explainInFlight_;
+    std::map<std::string, std::string, std::less<>> explainFailures_;
+    std::optional<std::string> detailApp_;
     GuardSettings settings_;
     BudgetStore budgetStorage_;
     UsageLedger ledger_;

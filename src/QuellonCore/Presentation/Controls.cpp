@@ -1,6 +1,6 @@
 #include "QuellonCore/Presentation/Controls.h"
 
-#include "QuellonCore/Engine/NotificationRouting.h"
+#include "QuellonCore/Engine/NotificationActionRouter.h"
 #include "QuellonCore/Presentation/AppActionPresentation.h"
 #include "QuellonCore/Presentation/PlainText.h"
 
@@ -177,10 +177,9 @@ void Controls::answer(std::size_t button)
     if (!question_ || question_->hold || button >= question_->plan.actions.size()) return;
     const NotificationPlan plan = question_->plan;
     question_.reset();
-    NotificationRouting::perform(plan.actions[button], plan.apps, engine_,
-                                 [this](const std::vector<std::string>& apps) {
-                                     if (!apps.empty()) choice_ = apps.front();
-                                 });
+    NotificationActionRouter::perform(plan.actions[button], plan.apps, engine_, [&](SettingsTab /*tab*/) {
+        if (!plan.apps.empty()) choice_ = plan.apps.front();
+    });
     soon();
 }
 

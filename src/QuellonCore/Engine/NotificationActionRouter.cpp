@@ -1,8 +1,10 @@
-#include "QuellonCore/Engine/NotificationRouting.h"
+#include "QuellonCore/Engine/NotificationActionRouter.h"
+
+#include "QuellonCore/Notifications/NotificationRoute.h"
 
 #include <utility>
 
-namespace quellon::NotificationRouting {
+namespace quellon::NotificationActionRouter {
 
 namespace {
 
@@ -13,10 +15,18 @@ void allow(const std::string& app, GuardEngine& engine)
     engine.setSettings(std::move(settings));
 }
 
+void view(const std::vector<std::string>& apps, GuardEngine& engine,
+          const std::function<void(SettingsTab)>& openSettings)
+{
+    auto destination = NotificationRoute::destination(apps);
+    engine.setDetailApp(std::move(destination.detailApp));
+    if (openSettings) openSettings(destination.tab);
+}
+
 } // namespace
 
 void perform(NotificationAction action, const std::vector<std::string>& apps, GuardEngine& engine,
-             const std::function<void(const std::vector<std::string>&)>& show)
+             const std::function<void(SettingsTab)>& openSettings)
 {
     switch (action) {
     case NotificationAction::snooze:
@@ -33,7 +43,7 @@ void perform(NotificationAction action, const std::vector<std::string>& apps, Gu
         for (const std::string& app : apps) allow(app, engine);
         return;
     case NotificationAction::view:
-        if (show) show(apps);
+        view(apps, engine, openSettings);
         return;
     case NotificationAction::allowOnce:
         for (const std::string& app : apps) engine.allowUntilTransferEnds(app, engine.host().clock.now());
@@ -50,4 +60,4 @@ void perform(NotificationAction action, const std::vector<std::string>& apps, Gu
     }
 }
 
-} // namespace quellon::NotificationRouting
+} // namespace quellon::NotificationActionRouter

@@ -1,10 +1,11 @@
-#include "QuellonCore/Engine/NotificationRouting.h"
+#include "QuellonCore/Engine/NotificationActionRouter.h"
 
 #include "ActingWorld.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,14 +29,14 @@ struct RoutingWorld : ActingWorld {
 
     Lines answer(NotificationAction action, const Apps& apps)
     {
-        NotificationRouting::perform(action, apps, *engine, [this](const Apps& each) { viewed.push_back(each); });
+        NotificationActionRouter::perform(action, apps, *engine, [this](SettingsTab tab) { opened.push_back(tab); });
         return trace.take();
     }
 
-    std::vector<Apps> viewed;
+    std::vector<SettingsTab> opened;
 };
 
-TEST(NotificationRouting, everyActionCallsTheEngine)
+TEST(NotificationActionRouter, everyActionCallsTheEngine)
 {
     struct Case {
         const char* name;
@@ -72,18 +73,18 @@ TEST(NotificationRouting, everyActionCallsTheEngine)
         SCOPED_TRACE(c.name);
         RoutingWorld world;
         EXPECT_THAT(world.answer(c.action, {"Mailer", "Player"}), ElementsAreArray(c.effects));
-        EXPECT_EQ(world.viewed.size(), c.action == NotificationAction::view ? 1U : 0U);
+        EXPECT_EQ(world.opened.size(), c.action == NotificationAction::view ? 1U : 0U);
     }
 }
 
-TEST(NotificationRouting, snoozesAreThoseOfTheSettings)
+TEST(NotificationActionRouter, snoozesAreThoseOfTheSettings)
 {
     RoutingWorld world;
     static_cast<void>(world.answer(NotificationAction::snooze, {"Player"}));
     EXPECT_EQ(world.engine->snoozedUntil().at("Player"), world.host.now() + 20min);
 }
 
-TEST(NotificationRouting, resumeDoesNotSnooze)
+TEST(NotificationActionRouter, resumeDoesNotSnooze)
 {
     RoutingWorld world;
     static_cast<void>(world.answer(NotificationAction::suspend, {"Player"}));
@@ -92,7 +93,7 @@ TEST(NotificationRouting, resumeDoesNotSnooze)
     EXPECT_THAT(world.engine->snoozedUntil(), IsEmpty());
 }
 
-TEST(NotificationRouting, resumeAndSnooze)
+TEST(NotificationActionRouter, resumeAndSnooze)
 {
     RoutingWorld world;
     static_cast<void>(world.answer(NotificationAction::suspend, {"Player", "Mailer"}));
@@ -102,7 +103,7 @@ TEST(NotificationRouting, resumeAndSnooze)
     EXPECT_TRUE(world.isStopped(601)) << "nobody asked for Mailer";
 }
 
-TEST(NotificationRouting, holdsAndPolicies)
+TEST(NotificationActionRouter, holdsAndPolicies)
 {
     RoutingWorld world;
     static_cast<void>(world.answer(NotificationAction::allowlist, {"Player"}));
@@ -114,23 +115,41 @@ TEST(NotificationRouting, holdsAndPolicies)
     EXPECT_EQ(world.engine->muteDeadline("Player", world.host.now()), world.host.now() + 14h);
 }
 
-TEST(NotificationRouting, whoIsOnTheListOfTheAllowedIsNotTouchedAnyMore)
+TEST(NotificationActionRouter, whoIsOnTheListOfTheAllowedIsNotTouchedAnyMore)
 {
     RoutingWorld world;
     static_cast<void>(world.answer(NotificationAction::allowlist, {"Player"}));
     EXPECT_THAT(world.answer(NotificationAction::terminate, {"Player"}), IsEmpty());
 }
 
-TEST(NotificationRouting, viewIsTheCallers)
+TEST(NotificationActionRouter, view)
 {
+    struct Case {
+        const char* name;
+        Apps apps;
+        std::optional<std::string> detailApp;
+        SettingsTab tab;
+    };
+    const Case cases[] = {
+        {"one application: its details", {"Player"}, "Player", SettingsTab::apps},
+        {"several: the log, and nobody's details any more", {"Player", "Mailer"}, std::nullopt, SettingsTab::log},
+        {"another one", {"Mailer"}, "Mailer", SettingsTab::apps},
+        {"none: the log", {}, std::nullopt, SettingsTab::log},
+    };
     RoutingWorld world;
-    EXPECT_THAT(world.answer(NotificationAction::view, {"Player"}), IsEmpty());
-    EXPECT_THAT(world.answer(NotificationAction::view, {}), IsEmpty());
-    EXPECT_THAT(world.viewed, ElementsAre(Apps{"Player"}, Apps{}));
-    NotificationRouting::perform(NotificationAction::view, {"Player"}, *world.engine, nullptr);
+    EXPECT_EQ(world.engine->detailApp(), std::nullopt);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        world.opened.clear();
+        EXPECT_THAT(world.answer(NotificationAction::view, c.apps), IsEmpty());
+        EXPECT_EQ(world.engine->detailApp(), c.detailApp);
+        EXPECT_THAT(world.opened, ElementsAre(c.tab));
+    }
+    NotificationActionRouter::perform(NotificationAction::view, {"Player"}, *world.engine, nullptr);
+    EXPECT_EQ(world.engine->detailApp(), "Player") << "without anybody who could open a window";
 }
 
-TEST(NotificationRouting, nobodyIsMeant)
+TEST(NotificationActionRouter, nobodyIsMeant)
 {
     for (const auto& row : notificationActions.rows) {
         SCOPED_TRACE(row.raw);
