@@ -21,7 +21,7 @@ public:
     };
     using Handle = std::unique_ptr<Scheduled>;
 
-    /// The signals that ask the program to end.
+    /// The signals that ask the program to end. Others that do so, as of a terminal that goes, arrive as `terminate`.
     enum class Signal { terminate, interrupt };
 
     virtual ~RunLoop() = default;

@@ -6,12 +6,16 @@
 #include <csignal>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace quellon {
 
 /// Carries signals out of handler context: a handler notes the arrival and wakes the run loop, which asks for what has
 /// arrived. A handler rather than "ignored", because a child process inherits the latter. One at a time a process.
+///
+/// `terminate` stands for SIGTERM, for SIGHUP (the terminal has gone) and for SIGQUIT (Ctrl-\). SIGHUP stays ignored
+/// where it was, which is what nohup asks for.
 class SignalRelay {
 public:
     /// `wakeDescriptor`, non-blocking, gets a byte when a signal has arrived.
@@ -29,12 +33,13 @@ public:
     void collect(const std::function<void(RunLoop::Work)>& post);
 
 private:
-    struct Slot {
-        bool taken = false;
-        struct sigaction before {};
-        std::vector<std::weak_ptr<RunLoop::Work>> works;
-    };
-    std::array<Slot, 2> slots_;
+    static constexpr std::size_t signalCount = 2; ///< Of RunLoop::Signal.
+    static constexpr std::size_t numberCount = 4; ///< Of the system's signals that they stand for.
+
+    std::array<std::vector<std::weak_ptr<RunLoop::Work>>, signalCount> works_;
+    std::array<std::optional<struct sigaction>, numberCount> before_; ///< Of the signals that are taken.
+
+    void take(RunLoop::Signal signal);
 };
 
 } // namespace quellon
