@@ -63,7 +63,7 @@ void ReplaySession::crash()
 void ReplaySession::end()
 {
     if (const auto status = world_.exitStatus()) printer_.print("exit", *status);
-    TerminationGuard::installed().clear();
+    TerminationGuard::forgetInstalled();
     engine_.reset();
     world_.restart();
     static_cast<void>(Shell::drainTimeouts());

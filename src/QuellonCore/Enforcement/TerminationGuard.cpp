@@ -22,13 +22,13 @@ void TerminationGuard::install()
             processes.exit(0);
         }));
     }
-    installed().push_back(shared_from_this());
+    guards().push_back(shared_from_this());
 }
 
-std::vector<std::shared_ptr<TerminationGuard>>& TerminationGuard::installed()
+std::vector<std::shared_ptr<TerminationGuard>>& TerminationGuard::guards()
 {
-    static auto& guards = *new std::vector<std::shared_ptr<TerminationGuard>>; // outlives static destruction
-    return guards;
+    static auto& all = *new std::vector<std::shared_ptr<TerminationGuard>>; // outlives static destruction
+    return all;
 }
 
 } // namespace quellon

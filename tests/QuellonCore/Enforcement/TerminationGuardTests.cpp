@@ -22,7 +22,7 @@ protected:
     ProcessControl& processes = host.host().processes;
     std::vector<std::string> seen;
 
-    void TearDown() override { TerminationGuard::installed().clear(); }
+    void TearDown() override { TerminationGuard::forgetInstalled(); }
     std::shared_ptr<TerminationGuard> guard()
     {
         return TerminationGuard::make(runLoop, processes, [this] {
@@ -105,7 +105,7 @@ TEST_F(TerminationGuardTest, mayOutliveTheRunLoop)
         TerminationGuard::make(parts.runLoop, parts.processes, [] {})->install();
     }
     ASSERT_EQ(TerminationGuard::installed().size(), 1U);
-    TerminationGuard::installed().clear();
+    TerminationGuard::forgetInstalled();
 }
 
 /// Keeps what `onSignal` is given beyond the life of its handle, as a system does that has an event under way.
@@ -132,7 +132,7 @@ TEST_F(TerminationGuardTest, takesTerminateThenInterruptAndExitsEvenWhenItIsGone
     ASSERT_EQ(keeper.asked.size(), 2U);
     EXPECT_EQ(keeper.asked[0].first, RunLoop::Signal::terminate);
     EXPECT_EQ(keeper.asked[1].first, RunLoop::Signal::interrupt);
-    TerminationGuard::installed().clear(); // held only weakly, so this is the end of it
+    TerminationGuard::forgetInstalled(); // held only weakly, so this is the end of it
     keeper.asked[1].second();
     EXPECT_TRUE(seen.empty());
     EXPECT_EQ(host.exitStatus(), 0);
