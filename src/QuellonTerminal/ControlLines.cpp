@@ -115,17 +115,22 @@ std::vector<Line> flowed(const std::vector<Line>& pieces, int room)
     return result;
 }
 
-/// One notification; what explains it goes first when there is little room, then all but one line.
-std::vector<Line> lines(const ControlsModel::Notice& notice, int width, int height)
+/// One notification, with its place among those that wait behind the title; what explains it goes first when there is
+/// little room, then all but one line, in which the answers come before the place.
+std::vector<Line> lines(const ControlsModel::Notice& notice, const std::string& place, int width, int height)
 {
     const auto buttons = answers(notice);
+    const Span placed{place.empty() ? "" : std::string{indent} + place, Style::faint};
     std::vector<Line> last = flowed(buttons, width);
     if (static_cast<int>(last.size()) >= height) {
         Line all = title(notice);
         for (const Line& each : buttons) all.insert(all.end(), each.begin(), each.end());
+        all.push_back(placed);
         return {joined(all, width)};
     }
-    std::vector<Line> result{joined(title(notice), width)};
+    Line first = joined(title(notice), std::max(1, width - CellText::width(placed.text)));
+    first.push_back(placed);
+    std::vector<Line> result{joined(first, width)};
     auto explained = text(notice, width);
     const std::size_t room = static_cast<std::size_t>(height) - 1 - last.size();
     if (explained.size() > room) explained.resize(room);
@@ -194,10 +199,10 @@ std::vector<Line> noticeLines(const ControlsModel& model, int width, int height)
 {
     if (height <= 0) return {};
     std::vector<Line> result;
-    if (model.question) result = lines(*model.question, width, height);
+    if (model.question) result = lines(*model.question, model.questionPlace, width, height);
     const int left = height - static_cast<int>(result.size());
     if (model.note && left > 0) {
-        auto note = lines(*model.note, width, left);
+        auto note = lines(*model.note, {}, width, left);
         result.insert(result.begin(), std::make_move_iterator(note.begin()), std::make_move_iterator(note.end()));
     }
     return result;

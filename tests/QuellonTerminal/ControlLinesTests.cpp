@@ -107,6 +107,7 @@ TEST_F(ControlLinesTest, everySizeFits)
     hostile.question->title = "宽宽宽宽宽宽宽宽宽宽宽宽宽宽宽宽宽宽宽宽宽宽宽宽宽宽宽宽宽宽宽";
     hostile.question->text = {std::string(500, 'x'), "\x9B\x07", ""};
     hostile.selectedRow = 4000;
+    hostile.questionPlace = "1 of 3";
     models.push_back(hostile);
     for (std::size_t i = 0; i < models.size(); ++i) {
         for (const OverviewModel& overviewed : {overview(), overview(0, 0), overview(400, 200)}) {
@@ -176,6 +177,34 @@ TEST_F(ControlLinesTest, aNoteStandsAboveTheQuestion)
         << "the question comes first where there is no room for both";
     EXPECT_THAT(TerminalLayout::noticeLines(model, 80, 0), IsEmpty());
     EXPECT_THAT(TerminalLayout::noticeLines({}, 80, 10), IsEmpty());
+}
+
+TEST_F(ControlLinesTest, aQuestionSaysThatMoreWait)
+{
+    auto model = controlled();
+    model.questionPlace = "1 of 3";
+    model.note = ControlsModel::Notice{NotificationStyle::transient, "radio is using a lot of data", {}, {}};
+    const auto lines = TerminalLayout::noticeLines(model, 80, 3);
+    EXPECT_THAT(texts(lines), ElementsAre("! apt keeps reaching for the hotspot  1 of 3", StartsWith("  Asked"),
+                                          StartsWith("  1 Allow until done")));
+    EXPECT_EQ(lines[0].back(), (TerminalLayout::Span{"  1 of 3", Style::faint}));
+    EXPECT_EQ(texts(TerminalLayout::noticeLines(model, 80, 10))[0], "i radio is using a lot of data");
+    struct Case {
+        const char* name;
+        int width, height;
+        const char* first;
+    };
+    const Case cases[] = {
+        {"the title gives way", 30, 4, "! apt keeps reaching …  1 of 3"},
+        {"a single line has the answers first", 120, 1,
+         "! apt keeps reaching for the hotspot  1 Allow until done  2 Stop asking today  3 Stop it  4 Show details  "
+         "1…"},
+        {"next to no room", 4, 8, "…  …"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(texts(TerminalLayout::noticeLines(model, c.width, c.height)).front(), c.first);
+    }
 }
 
 TEST_F(ControlLinesTest, theSelectedOneIsAlwaysShown)

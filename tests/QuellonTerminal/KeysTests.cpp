@@ -141,8 +141,10 @@ TEST_F(KeyEffects, answer)
 {
     world.host.advance(1s);
     static_cast<void>(world.trace.take());
-    EXPECT_THAT(type("1"), ElementsAre("CONT 601", "save suspended.json", "info: Resumed Mailer"))
-        << "the latest question";
+    EXPECT_THAT(type("11"), ElementsAre("CONT 501", "save suspended.json", "info: Resumed Player"))
+        << "the oldest question; a second press does not answer the next one";
+    world.host.advance(1s);
+    EXPECT_THAT(type("1"), ElementsAre("CONT 601", "save suspended.json", "info: Resumed Mailer"));
     EXPECT_THAT(type("1"), IsEmpty());
 }
 

@@ -4,6 +4,8 @@
 #include "QuellonCore/Presentation/AppActionPresentation.h"
 #include "QuellonCore/Presentation/PlainText.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <set>
 #include <utility>
@@ -19,18 +21,18 @@ Controls::Controls(GuardEngine& engine, NotificationFeed& feed, std::function<vo
 
 void Controls::show(const NotificationPlan& plan)
 {
-    const Place place = plan.actions.empty() ? &Controls::note_ : &Controls::question_;
     settle();
-    const bool replaces = (this->*place).has_value();
-    Shown& shown = (this->*place).emplace(Shown{plan, nullptr, nullptr});
-    if (replaces) {
-        shown.hold = engine_.host().runLoop.after(replacedTime, [this, place] { (this->*place)->hold.reset(); });
-    }
     if (plan.style == NotificationStyle::transient) {
-        shown.end = engine_.host().runLoop.after(transientTime, [this, place] {
-            (this->*place).reset();
+        note_ = plan;
+        noteEnd_ = engine_.host().runLoop.after(transientTime, [this] {
+            note_.reset();
             soon();
         });
+        if (questions_.empty()) hold();
+    } else {
+        questions_.push_back(plan);
+        if (questions_.size() == 1) hold();
+        if (questions_.size() > mostQuestions) takeQuestion();
     }
     soon();
 }
@@ -40,15 +42,33 @@ void Controls::soon()
     soon_ = engine_.host().runLoop.after(Seconds{0.0}, [this] { changed_(); });
 }
 
+void Controls::hold()
+{
+    hold_ = engine_.host().runLoop.after(holdTime, [this] { hold_.reset(); });
+}
+
+NotificationPlan Controls::takeQuestion()
+{
+    NotificationPlan plan = std::move(questions_.front());
+    questions_.pop_front();
+    hold();
+    return plan;
+}
+
 void Controls::settle()
 {
-    if (!question_) return;
-    const NotificationPlan& plan = question_->plan;
-    const NotificationAction first = plan.actions.front();
-    // What asks whether to resume is settled once nothing of it is paused any more.
-    const bool asksToResume = first == NotificationAction::resume || first == NotificationAction::resumeAndSnooze;
-    const auto isPausedApp = [this](const std::string& app) { return isPaused(app); };
-    if (asksToResume && std::none_of(plan.apps.begin(), plan.apps.end(), isPausedApp)) question_.reset();
+    const bool endsTurn = !questions_.empty() && isMoot(questions_.front());
+    std::erase_if(questions_, [this](const NotificationPlan& plan) { return isMoot(plan); });
+    if (endsTurn) hold();
+}
+
+bool Controls::isMoot(const NotificationPlan& plan) const
+{
+    const auto onlyResumes = [](NotificationAction action) {
+        return action == NotificationAction::resume || action == NotificationAction::resumeAndSnooze;
+    };
+    return !plan.actions.empty() && std::all_of(plan.actions.begin(), plan.actions.end(), onlyResumes) &&
+           std::none_of(plan.apps.begin(), plan.apps.end(), [this](const std::string& app) { return isPaused(app); });
 }
 
 bool Controls::isPaused(const std::string& app) const
@@ -107,7 +127,7 @@ std::vector<ControlsModel::Offer> Controls::offers() const
     if (!engine_.suspended().empty() || !engine_.usage().empty()) {
         result.push_back({ControlCommand::selectNext, "select"});
     }
-    if (question_ || note_) result.push_back({ControlCommand::dismiss, "dismisses"});
+    if (!questions_.empty() || note_) result.push_back({ControlCommand::dismiss, "dismisses"});
     return result;
 }
 
@@ -116,6 +136,7 @@ ControlsModel Controls::model(Date now)
     settle();
     ControlsModel model;
     model.menuBar = engine_.menuBar(now);
+    model.menuBar.title = plainText(model.menuBar.title);
     if (const auto& status = engine_.budgetStatus()) {
         model.budget = BudgetPresentation::row(*status, engine_.dailyStatus(), engine_.host().clock.calendar());
     }
@@ -126,8 +147,9 @@ ControlsModel Controls::model(Date now)
     const auto& usage = engine_.usage();
     const auto row = std::find_if(usage.begin(), usage.end(), [&](const AppUsage& each) { return each.app == app; });
     if (row != usage.end()) model.selectedRow = static_cast<std::size_t>(row - usage.begin());
-    if (question_) model.question = ControlsModel::Notice::of(question_->plan);
-    if (note_) model.note = ControlsModel::Notice::of(note_->plan);
+    if (!questions_.empty()) model.question = ControlsModel::Notice::of(questions_.front());
+    if (questions_.size() > 1) model.questionPlace = fmt::format("1 of {}", questions_.size());
+    if (note_) model.note = ControlsModel::Notice::of(*note_);
     model.offers = offers();
     return model;
 }
@@ -162,21 +184,28 @@ void Controls::perform(ControlCommand command)
         if (!engine_.suspended().empty()) engine_.resumeAll(false);
         break;
     case ControlCommand::dismiss:
-        if (question_)
-            question_.reset();
-        else
-            note_.reset();
+        dismiss();
         break;
     }
     soon();
 }
 
+void Controls::dismiss()
+{
+    if (hold_) return;
+    if (!questions_.empty()) {
+        takeQuestion();
+        return;
+    }
+    note_.reset();
+    noteEnd_.reset();
+}
+
 void Controls::answer(std::size_t button)
 {
     settle();
-    if (!question_ || question_->hold || button >= question_->plan.actions.size()) return;
-    const NotificationPlan plan = question_->plan;
-    question_.reset();
+    if (hold_ || questions_.empty() || button >= questions_.front().actions.size()) return;
+    const NotificationPlan plan = takeQuestion();
     NotificationActionRouter::perform(plan.actions[button], plan.apps, engine_, [&](SettingsTab /*tab*/) {
         if (!plan.apps.empty()) choice_ = plan.apps.front();
     });

@@ -3,6 +3,8 @@
 #include "QuellonCore/Notifications/NotificationFeed.h"
 #include "QuellonCore/Presentation/ControlsModel.h"
 
+#include <cstddef>
+#include <deque>
 #include <functional>
 #include <optional>
 #include <string>
@@ -14,11 +16,13 @@ namespace quellon {
 /// and carries out what the user says. A view draws its model and hands on what is pressed. Main thread only.
 class Controls {
 public:
-    /// How long a notification stays that goes by itself.
+    /// How long a transient notification stays.
     static constexpr Seconds transientTime{6.0};
-    /// How long a question that has taken another's place takes no answer: what the user presses in that moment was
-    /// meant for the other one.
-    static constexpr Seconds replacedTime{0.5};
+    /// How many persistent notifications wait for an answer; one more pushes the oldest out, as on a desktop.
+    static constexpr std::size_t mostQuestions = 3;
+    /// How long nothing can be answered or dismissed after another notification has come to its turn: what the user
+    /// presses in that moment was meant for what stood there before.
+    static constexpr Seconds holdTime{0.5};
 
     /// `changed` is called in a turn of the run loop after the model has changed other than by the engine.
     Controls(GuardEngine& engine, NotificationFeed& feed, std::function<void()> changed);
@@ -31,22 +35,21 @@ public:
     /// Does nothing for what the model does not offer.
     void perform(ControlCommand command);
 
-    /// Presses a button of the question, 0 for the first; with that the question is answered. Does nothing when there
-    /// is no such button, or the question has only just taken another's place.
+    /// Presses a button of the question, 0 for the first; with that the question is answered, and the next one has its
+    /// turn. Does nothing when there is no such button, or within `holdTime` of the question's turn.
     void answer(std::size_t button);
 
 private:
-    struct Shown {
-        NotificationPlan plan;
-        RunLoop::Handle end;
-        RunLoop::Handle hold; ///< While it takes no answer.
-    };
-    using Place = std::optional<Shown> Controls::*;
-
     void show(const NotificationPlan& plan);
     void soon();
-    /// Drops a question that nobody has to answer any more.
+    /// Lets `holdTime` begin.
+    void hold();
+    /// Ends the turn of the question that is shown; there must be one.
+    NotificationPlan takeQuestion();
+    /// Drops the questions that nobody has to answer any more.
     void settle();
+    /// Whether none of the answers would do anything: they only resume, and nothing of it is paused any more.
+    [[nodiscard]] bool isMoot(const NotificationPlan& plan) const;
     /// The labels that can be selected, each once: what is paused, then what moves.
     [[nodiscard]] std::vector<std::string> selectable() const;
     /// The selected application: the user's choice while it is listed, otherwise the first that is paused.
@@ -54,12 +57,15 @@ private:
     [[nodiscard]] bool isPaused(const std::string& app) const;
     [[nodiscard]] std::vector<ControlsModel::Offer> offers() const;
     void select(int step);
+    void dismiss();
 
     GuardEngine& engine_;
     std::function<void()> changed_;
     std::optional<std::string> choice_;
-    std::optional<Shown> question_;
-    std::optional<Shown> note_;
+    std::deque<NotificationPlan> questions_; ///< The persistent ones, oldest first; the first is shown.
+    std::optional<NotificationPlan> note_;   ///< The latest transient one.
+    RunLoop::Handle noteEnd_;
+    RunLoop::Handle hold_; ///< While it stands, nothing is answered or dismissed.
     RunLoop::Handle soon_;
     NotificationFeed::Subscription subscription_;
 };

@@ -68,8 +68,9 @@ struct ControlsModel {
     std::optional<BudgetPresentation::Row> budget;
     std::vector<Paused> paused;             ///< In the engine's order.
     std::optional<std::size_t> selectedRow; ///< Where the selected application stands among the engine's `usage`.
-    std::optional<Notice> question;         ///< The latest notification that has answers.
-    std::optional<Notice> note;             ///< The latest one without.
+    std::optional<Notice> question;         ///< The oldest persistent notification that waits for an answer.
+    std::string questionPlace;              ///< "1 of 3" while more of them wait.
+    std::optional<Notice> note;             ///< The latest transient one.
     std::vector<Offer> offers;              ///< In the order in which they are shown.
 
     bool operator==(const ControlsModel&) const = default;

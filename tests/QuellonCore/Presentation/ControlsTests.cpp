@@ -42,11 +42,30 @@ protected:
         controls->perform(command);
         return world.trace.take();
     }
+    /// Presses once the question has been there for a while.
     ActingWorld::Lines answer(std::size_t button)
+    {
+        world.host.advance(Controls::holdTime);
+        return answerAtOnce(button);
+    }
+    ActingWorld::Lines answerAtOnce(std::size_t button)
     {
         static_cast<void>(world.trace.take());
         controls->answer(button);
         return world.trace.take();
+    }
+    ActingWorld::Lines dismiss()
+    {
+        world.host.advance(Controls::holdTime);
+        return perform(Command::dismiss);
+    }
+    /// The title of the question that is shown, and its place among those that wait; "none" without one.
+    std::string shownQuestion()
+    {
+        const auto shown = model();
+        if (!shown.question) return "none";
+        return shown.questionPlace.empty() ? shown.question->title
+                                           : fmt::format("{}, {}", shown.question->title, shown.questionPlace);
     }
     std::vector<std::string> effects()
     {
@@ -221,34 +240,114 @@ TEST_F(ControlsTest, showDetailsSelects)
     EXPECT_EQ(model().selectedRow, 1U);
 }
 
-TEST_F(ControlsTest, aQuestionStaysUntilItIsReplaced)
+TEST_F(ControlsTest, questionsHaveTheirTurnsOldestFirst)
 {
     feed.deliver(question("first"));
     world.host.advance(60min);
-    EXPECT_EQ(model().question->title, "first");
+    EXPECT_EQ(shownQuestion(), "first") << "it stays until it is answered";
     feed.deliver(question("second"));
-    EXPECT_EQ(model().question->title, "second");
-    feed.deliver(plan("passing", NotificationStyle::transient, {}));
-    EXPECT_EQ(model().question->title, "second") << "what has no answers takes a place of its own";
+    EXPECT_EQ(shownQuestion(), "first, 1 of 2");
+    feed.deliver(question("third"));
+    EXPECT_EQ(shownQuestion(), "first, 1 of 3");
+    EXPECT_THAT(answer(0), ElementsAre("info: Player snoozed for 20min"));
+    EXPECT_EQ(shownQuestion(), "second, 1 of 2");
+    EXPECT_THAT(dismiss(), IsEmpty());
+    EXPECT_EQ(shownQuestion(), "third");
+    EXPECT_THAT(answer(0), ElementsAre("info: Player snoozed for 20min"));
+    EXPECT_EQ(shownQuestion(), "none");
 }
 
-TEST_F(ControlsTest, whatIsPressedAsAQuestionIsReplacedWasMeantForTheOther)
+TEST_F(ControlsTest, theFourthQuestionPushesTheOldestOut)
+{
+    for (const char* title : {"first", "second", "third", "fourth"}) feed.deliver(question(title));
+    EXPECT_EQ(shownQuestion(), "second, 1 of 3");
+    feed.deliver(question("fifth"));
+    EXPECT_EQ(shownQuestion(), "third, 1 of 3");
+}
+
+TEST_F(ControlsTest, aTransientOneTakesNoQuestionsPlace)
+{
+    for (const char* title : {"first", "second", "third"}) feed.deliver(question(title));
+    feed.deliver(plan("passing", NotificationStyle::transient, {}));
+    feed.deliver(plan("with a button", NotificationStyle::transient, {NotificationAction::snooze}));
+    EXPECT_EQ(shownQuestion(), "first, 1 of 3");
+    EXPECT_EQ(model().note->title, "with a button");
+    EXPECT_THAT(answer(0), ElementsAre("info: Player snoozed for 20min"));
+    EXPECT_EQ(shownQuestion(), "second, 1 of 2");
+}
+
+TEST_F(ControlsTest, aQuestionWithoutButtonsIsDismissed)
+{
+    feed.deliver(plan("persistent", NotificationStyle::persistent, {}));
+    EXPECT_EQ(shownQuestion(), "persistent");
+    EXPECT_THAT(answer(0), IsEmpty());
+    EXPECT_EQ(shownQuestion(), "persistent");
+    EXPECT_THAT(dismiss(), IsEmpty());
+    EXPECT_EQ(shownQuestion(), "none");
+}
+
+/// The ways by which another notification comes to its turn, each pressed before and after `holdTime`.
+TEST_F(ControlsTest, whatIsPressedAsTheTurnChangesWasMeantForTheFormerOne)
+{
+    struct Case {
+        const char* name;
+        int questions; ///< That wait before.
+        std::function<void()> change;
+        const char* then; ///< What is shown then.
+    };
+    const Case cases[] = {
+        {"the first one comes", 0, [this] { feed.deliver(question("new")); }, "new"},
+        {"answered", 2, [this] { static_cast<void>(answer(0)); }, "question 2"},
+        {"dismissed", 3, [this] { static_cast<void>(dismiss()); }, "question 2, 1 of 2"},
+        {"pushed out", 3, [this] { feed.deliver(question("new")); }, "question 2, 1 of 3"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        controls.emplace(*world.engine, feed, [] {});
+        for (int i = 1; i <= c.questions; ++i) feed.deliver(question(fmt::format("question {}", i)));
+        world.host.advance(1s);
+        c.change();
+        EXPECT_EQ(shownQuestion(), c.then);
+        world.host.advance(0.4s);
+        EXPECT_THAT(answerAtOnce(0), IsEmpty());
+        EXPECT_THAT(perform(Command::dismiss), IsEmpty());
+        EXPECT_EQ(shownQuestion(), c.then);
+        world.host.advance(0.1s);
+        EXPECT_THAT(answerAtOnce(0), ElementsAre("info: Player snoozed for 20min"));
+        EXPECT_NE(shownQuestion(), c.then);
+    }
+}
+
+TEST_F(ControlsTest, aQuestionBehindTheShownOneHoldsNothingUp)
 {
     feed.deliver(question("first"));
-    feed.deliver(plan("second", NotificationStyle::persistent, {NotificationAction::terminate}));
-    world.host.advance(0.4s);
-    EXPECT_THAT(answer(0), IsEmpty());
-    EXPECT_EQ(model().question->title, "second");
-    world.host.advance(0.1s);
-    EXPECT_THAT(answer(0), ElementsAre("TERM 501", "TERM 502", "start time of 501", "start time of 502",
-                                       "enforced: Player → 退出 (from notification)"));
-    feed.deliver(question("third"));
-    EXPECT_THAT(answer(0), ElementsAre("info: Player snoozed for 20min")) << "it took nobody's place";
-    feed.deliver(question("fourth"));
-    feed.deliver(question("fifth"));
-    static_cast<void>(perform(Command::dismiss));
     world.host.advance(1s);
-    EXPECT_EQ(model().question, std::nullopt);
+    feed.deliver(question("second"));
+    EXPECT_THAT(answerAtOnce(0), ElementsAre("info: Player snoozed for 20min"));
+    EXPECT_EQ(shownQuestion(), "second");
+}
+
+TEST_F(ControlsTest, whatIsPressedAsAQuestionIsSettledWasMeantForIt)
+{
+    freeze(501);
+    feed.deliver(plan("second", NotificationStyle::persistent, {NotificationAction::terminate}, {"Mailer"}));
+    world.host.advance(1s);
+    world.engine->resumeAll(true);
+    EXPECT_THAT(answerAtOnce(0), IsEmpty()) << "nobody has seen the second one yet";
+    EXPECT_EQ(shownQuestion(), "second");
+    EXPECT_THAT(answer(0), ElementsAre("TERM 601", "start time of 601", "enforced: Mailer → 退出 (from notification)"));
+}
+
+TEST_F(ControlsTest, aSecondPressDoesNotDismissTheNoteBehindTheQuestion)
+{
+    feed.deliver(plan("note", NotificationStyle::transient, {}));
+    feed.deliver(question("question"));
+    EXPECT_THAT(dismiss(), IsEmpty());
+    EXPECT_THAT(perform(Command::dismiss), IsEmpty());
+    EXPECT_TRUE(model().note);
+    EXPECT_THAT(dismiss(), IsEmpty());
+    EXPECT_EQ(model().note, std::nullopt);
+    EXPECT_THAT(dismiss(), IsEmpty()) << "nothing is there";
 }
 
 TEST_F(ControlsTest, transientOnesGoAfterSixSeconds)
@@ -261,45 +360,58 @@ TEST_F(ControlsTest, transientOnesGoAfterSixSeconds)
     world.host.advance(0.1s);
     EXPECT_EQ(model().note, std::nullopt);
     EXPECT_EQ(changes, 1);
-    feed.deliver(plan("passing", NotificationStyle::transient, {NotificationAction::snooze}));
-    world.host.advance(6s);
-    EXPECT_EQ(model().question, std::nullopt);
 }
 
-TEST_F(ControlsTest, theTimeOfAReplacedOneDoesNotEndTheNext)
+TEST_F(ControlsTest, theTimeOfAFormerNoteDoesNotEndTheNext)
 {
     feed.deliver(plan("first", NotificationStyle::transient, {}));
     world.host.advance(4s);
     feed.deliver(plan("second", NotificationStyle::transient, {}));
     world.host.advance(4s);
     EXPECT_EQ(model().note->title, "second");
-    world.host.advance(2s);
-    EXPECT_EQ(model().note, std::nullopt);
+    static_cast<void>(dismiss());
     feed.deliver(plan("third", NotificationStyle::transient, {}));
-    feed.deliver(plan("fourth", NotificationStyle::persistent, {}));
-    world.host.advance(60s);
-    EXPECT_EQ(model().note->title, "fourth");
-}
-
-TEST_F(ControlsTest, dismiss)
-{
-    feed.deliver(plan("note", NotificationStyle::persistent, {}));
-    feed.deliver(question("question"));
-    EXPECT_THAT(perform(Command::dismiss), IsEmpty());
-    EXPECT_EQ(model().question, std::nullopt);
-    EXPECT_TRUE(model().note);
-    EXPECT_THAT(perform(Command::dismiss), IsEmpty());
+    world.host.advance(5.9s);
+    EXPECT_EQ(model().note->title, "third") << "a dismissed one's time is over, too";
+    world.host.advance(0.1s);
     EXPECT_EQ(model().note, std::nullopt);
-    EXPECT_THAT(perform(Command::dismiss), IsEmpty());
 }
 
 TEST_F(ControlsTest, aSettledQuestionDoesNotComeBack)
 {
     freeze(501);
     world.engine->resumeAll(true);
-    EXPECT_EQ(model().question, std::nullopt);
+    EXPECT_EQ(shownQuestion(), "none");
     world.engine->enforceNow({"Player"}, EnforcementAction::suspend);
-    EXPECT_EQ(model().question, std::nullopt);
+    EXPECT_EQ(shownQuestion(), "none");
+}
+
+TEST_F(ControlsTest, onlyWhatAsksForNothingButAResumeIsSettledByIt)
+{
+    using Action = NotificationAction;
+    struct Case {
+        const char* name;
+        std::vector<NotificationAction> actions;
+        std::vector<std::string> apps;
+        bool stays;
+    };
+    const Case cases[] = {
+        {"a pause", {Action::resume, Action::resumeAndSnooze}, {"Player"}, false},
+        {"a pause of two, both resumed", {Action::resume}, {"Player", "Mailer"}, false},
+        {"a loop", {Action::resumeAndSnooze, Action::allowlist, Action::view}, {"Player"}, true},
+        {"an ask", {Action::snooze, Action::suspend, Action::allowlist, Action::view}, {"Player"}, true},
+        {"nothing to press", {}, {"Player"}, true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        controls.emplace(*world.engine, feed, [] {});
+        world.engine->enforceNow({"Player", "Mailer"}, EnforcementAction::suspend);
+        feed.deliver(plan("asked", NotificationStyle::persistent, c.actions, c.apps));
+        static_cast<void>(perform(Command::resume));
+        EXPECT_EQ(shownQuestion(), c.stays || c.apps.size() == 2 ? "asked" : "none");
+        static_cast<void>(perform(Command::resumeAll));
+        EXPECT_EQ(shownQuestion(), c.stays ? "asked" : "none");
+    }
 }
 
 TEST_F(ControlsTest, changesAreTold)
@@ -311,6 +423,7 @@ TEST_F(ControlsTest, changesAreTold)
     EXPECT_EQ(changes, 0) << "in a later turn";
     world.host.advance(0s);
     EXPECT_EQ(changes, 1);
+    world.host.advance(Controls::holdTime);
     static_cast<void>(perform(Command::dismiss));
     world.host.advance(0s);
     EXPECT_EQ(changes, 2);
@@ -332,6 +445,10 @@ TEST_F(ControlsTest, textsAreFitForALine)
     world.app("ev\x1Bil", {801});
     world.engine->enforceNow({"ev\x1Bil"}, EnforcementAction::suspend);
     EXPECT_EQ(model().paused.at(0).app, "ev�il");
+    world.engine->resumeAll(true);
+    static_cast<void>(world.roundWith(801, 2 * mebibyte));
+    world.engine->resumeAll(true);
+    EXPECT_EQ(model().menuBar.title, "ev�il 2.0 MB");
 }
 
 } // namespace
