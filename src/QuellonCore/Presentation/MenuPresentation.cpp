@@ -1,6 +1,5 @@
 #include "QuellonCore/Presentation/MenuPresentation.h"
 
-#include "QuellonCore/Presentation/PlainText.h"
 #include "QuellonCore/Support/Checked.h"
 #include "QuellonCore/Support/Text.h"
 
@@ -54,7 +53,7 @@ MenuBar menuBar(const MenuBarState& state, Date now)
     }
     const auto& alert = state.alert;
     if (alert && alert->isActive(now)) {
-        return {fmt::format("{} {}", plainText(alert->app), format(alert->bytes)), "exclamationmark.shield.fill"};
+        return {fmt::format("{} {}", alert->app, format(alert->bytes)), "exclamationmark.shield.fill"};
     }
     const bool isUnread = alert && alert->unread;
     return {budgetText(state.budgetFraction),

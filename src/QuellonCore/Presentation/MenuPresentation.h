@@ -38,7 +38,7 @@ inline constexpr EnumTable<Level, 3> levels{{{
 
 /// What sits in the menu bar.
 struct MenuBar {
-    std::string title;  ///< Beside the symbol; may be empty.
+    std::string title;  ///< Beside the symbol; may be empty. Names an application as it is: see `plainText`.
     std::string symbol; ///< A name in the system's symbol set.
     bool operator==(const MenuBar&) const = default;
 };

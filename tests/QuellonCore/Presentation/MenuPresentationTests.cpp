@@ -193,11 +193,11 @@ TEST(MenuPresentation, budgetText)
     EXPECT_EXIT((void)MenuPresentation::menuBar(broken, now), testing::ExitedWithCode(70), "not finite");
 }
 
-TEST(MenuPresentation, titleIsFitForALine)
+TEST(MenuPresentation, titleNamesTheApplicationAsItIs)
 {
     MenuBarState state{.isRunning = true, .isMetered = true, .alert = alert(0), .budgetFraction = {}};
     state.alert->app = "two\nlines";
-    EXPECT_EQ(MenuPresentation::menuBar(state, now).title, "two\uFFFDlines 150.0 MB");
+    EXPECT_EQ(MenuPresentation::menuBar(state, now).title, "two\nlines 150.0 MB");
 }
 
 TEST(MenuPresentation, ratio)
