@@ -9,10 +9,7 @@ namespace quellon {
 std::optional<std::string> IdentityRole::start(const ProcFolder& proc, std::int32_t pid)
 {
     auto boot = proc.file("sys/kernel/random/boot_id");
-    if (!boot || boot->empty()) {
-        complain("the boot id can't be read");
-        return std::nullopt;
-    }
+    if (!boot || boot->empty()) return std::nullopt;
     boot->resize(std::min(boot->find_first_of(" \n"), boot->size()));
     const auto stat = proc.stat(pid);
     if (!stat) return std::string{};
@@ -21,10 +18,7 @@ std::optional<std::string> IdentityRole::start(const ProcFolder& proc, std::int3
 
 std::optional<std::string> IdentityRole::parent(const ProcFolder& proc, std::int32_t pid)
 {
-    if (proc.descriptor() < 0) {
-        complain("the list of processes can't be read");
-        return std::nullopt;
-    }
+    if (proc.descriptor() < 0) return std::nullopt;
     const auto stat = proc.stat(pid);
     return stat ? std::to_string(stat->parent) + "\n" : std::string{};
 }

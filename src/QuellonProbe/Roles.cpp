@@ -93,12 +93,16 @@ Roles::Answer Roles::networksetup(std::string_view)
 
 Roles::Answer Roles::start(std::string_view process)
 {
-    return IdentityRole::start(proc_, *ProcFolder::parsePid(process));
+    auto answer = IdentityRole::start(proc_, *ProcFolder::parsePid(process));
+    if (!answer) complain("the boot id can't be read");
+    return answer;
 }
 
 Roles::Answer Roles::parent(std::string_view process)
 {
-    return IdentityRole::parent(proc_, *ProcFolder::parsePid(process));
+    auto answer = IdentityRole::parent(proc_, *ProcFolder::parsePid(process));
+    if (!answer) complain("the list of processes can't be read");
+    return answer;
 }
 
 } // namespace quellon
