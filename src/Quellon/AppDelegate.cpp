@@ -1,5 +1,6 @@
 #include "Quellon/AppDelegate.h"
 
+#include <cstdlib>
 #include <utility>
 
 namespace quellon {
@@ -11,6 +12,7 @@ void AppDelegate::applicationDidFinishLaunching(const Host& host)
 {
     terminationGuard = TerminationGuard::make(host.runLoop, host.processes, &AppDelegate::applicationWillTerminate);
     terminationGuard->install();
+    static_cast<void>(std::atexit(&AppDelegate::applicationWillTerminate));
 }
 
 void AppDelegate::applicationWillTerminate()

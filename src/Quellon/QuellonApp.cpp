@@ -27,13 +27,25 @@ GuardEngine::Options engineOptions(NotificationFeed& notifications, const Progra
     return options;
 }
 
+/// Lets everything go on that the engine has frozen, and leaves the engine as it is.
+void thawOnly(const GuardEngine& engine)
+{
+    for (const SuspendedApp& entry : engine.suspended()) Enforcer::resume(engine.host(), entry.pids);
+}
+
 } // namespace
 
-QuellonApp::QuellonApp(const ProgramOptions& options) : engine_(host_.host(), engineOptions(notifications_, options))
+QuellonApp::QuellonApp(const ProgramOptions& options)
+    : engine_(host_.host(), engineOptions(notifications_, options)), thaw_([this] { thawOnly(engine_); })
 {
     AppDelegate::cleanup = [this] { engine_.resumeAll(true); };
     // Before any view: from here on a signal ends the program by way of the clean-up.
     AppDelegate::applicationDidFinishLaunching(host_.host());
+}
+
+QuellonApp::~QuellonApp()
+{
+    AppDelegate::cleanup = nullptr;
 }
 
 int QuellonApp::runTerminal(const ProgramOptions& options)

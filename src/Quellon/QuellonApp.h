@@ -3,15 +3,18 @@
 #include "Quellon/ProgramOptions.h"
 #include "QuellonCore/Engine/GuardEngine.h"
 #include "QuellonCore/Notifications/NotificationFeed.h"
+#include "QuellonCore/Support/Fatal.h"
 #include "QuellonHost/SystemHost.h"
 
 namespace quellon {
 
-/// The program: the real host, the one engine, and a view on it. Making it starts the guard, and SIGTERM and
-/// SIGINT end the process in order from then on.
+/// The program: the real host, the one engine, and a view on it. Making it starts the guard. From then on every end
+/// that the process can see coming thaws what is frozen: a signal that asks for it, `exit`, a fatal error.
 class QuellonApp {
 public:
     explicit QuellonApp(const ProgramOptions& options);
+    /// Nothing is cleaned up after this.
+    ~QuellonApp();
     QuellonApp(const QuellonApp&) = delete;
     QuellonApp& operator=(const QuellonApp&) = delete;
 
@@ -23,11 +26,14 @@ public:
 
     [[nodiscard]] PosixRunLoop& runLoop() { return host_.runLoop(); }
     [[nodiscard]] GuardEngine& engine() { return engine_; }
+    /// What the engine tells the user, for whoever shows it.
+    [[nodiscard]] NotificationFeed& notifications() { return notifications_; }
 
 private:
     SystemHost host_;
     NotificationFeed notifications_;
     GuardEngine engine_;
+    FatalCleanup thaw_; ///< Only signals: what else the engine holds is not to be trusted by then.
 
     /// The run loop's life, up to the ordinary end.
     void run(const ProgramOptions& options);

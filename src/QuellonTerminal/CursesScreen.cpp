@@ -70,6 +70,7 @@ bool canPlaceCursor()
 struct CursesScreen::Curses {
     SCREEN* screen = nullptr;
     bool colours = false;
+    FatalCleanup fatalCleanup{[] { endwin(); }};
 };
 
 std::unique_ptr<CursesScreen> CursesScreen::open(bool colours)
@@ -92,7 +93,6 @@ std::unique_ptr<CursesScreen> CursesScreen::open(bool colours)
             init_pair(static_cast<short>(i + 1), look(static_cast<Style>(i)).colour, ownColour);
         }
     }
-    setFatalCleanup([] { endwin(); });
     return std::unique_ptr<CursesScreen>{new CursesScreen{std::move(curses)}};
 }
 
@@ -100,7 +100,6 @@ CursesScreen::CursesScreen(std::unique_ptr<Curses> curses) : curses_(std::move(c
 
 CursesScreen::~CursesScreen()
 {
-    setFatalCleanup(nullptr);
     endwin();
     delscreen(curses_->screen);
 }
