@@ -181,6 +181,11 @@ public:
     /// What the guard has done to one application, and how it stands.
     [[nodiscard]] AppActionSummary actionSummary(std::string_view app, Date now) const;
 
+    /// The user's answer to whether the guard may look for a newer version. Saves the settings.
+    void answerUpdateCheckConsent(bool granted);
+    /// The user's answer to whether applications may be looked up online. Saves the settings. Starts no lookup.
+    void answerExplainConsent(bool granted);
+
     /// The user has seen the latest alert.
     void markAlertsSeen();
     /// The user asks for the details of an application, or for nobody's.
