@@ -1,3 +1,4 @@
+#include "ReplayPrinter.h"
 #include "ReplayScript.h"
 
 #include <gmock/gmock.h>
@@ -8,8 +9,8 @@
 namespace quellon {
 namespace {
 
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
 struct Played {
@@ -32,14 +33,16 @@ struct Refusal {
     const char* why;
 };
 
-/// Each line stands behind a launch: had anything been run, there would be output.
+/// Each line stands behind a launch, which has happened by then, and before a quit, which never happens.
 void expectRefusals(std::initializer_list<Refusal> cases)
 {
     for (const Refusal& c : cases) {
         SCOPED_TRACE(c.name);
-        const auto played = play(std::string{"# a comment\n{\"launch\": {}}\n\n"} + c.line + "\n");
+        const std::string before = "# a comment\n{\"launch\": {}}\n\n";
+        const auto played = play(before + c.line + "\n{\"quit\": {}}\n");
         EXPECT_EQ(played.status, replayRefused);
-        EXPECT_THAT(played.out, IsEmpty());
+        EXPECT_EQ(played.out, play(before).out);
+        EXPECT_THAT(played.out, HasSubstr("started"));
         EXPECT_EQ(played.errors, std::string{"replay: line 4: "} + c.why + "\n");
     }
 }
@@ -52,6 +55,12 @@ TEST(ReplayScript, linesThatAreNone)
         {"not UTF-8", "{\"advance\": \"\xff\"}", "not a JSON object"},
         {"no verb", "{}", "no verb"},
         {"unknown verb", R"({"wait": 1})", "unknown verb \"wait\""},
+        {"two unknown verbs: the first one", R"({"zeta": 1, "alpha": 2})", "unknown verb \"zeta\""},
+        {"a verb that would make two lines", R"({"a\nb": 1})", "unknown verb \"a\uFFFDb\""},
+        {"a verb twice", R"({"advance": 1, "advance": 1})", "\"advance\" stands there twice"},
+        {"a key twice within", R"({"process": {"pid": 5, "pid": 6}})", "\"pid\" stands there twice"},
+        {"a key twice in a list", R"({"addresses": [{"name": "a", "ipv4": "b"}, {"name": "c", "name": "d"}]})",
+         "\"name\" stands there twice"},
         {"two verbs", R"({"advance": 1, "crash": {}})", "two verbs: advance and crash"},
         {"unknown key beside the verb", R"({"advance": 1, "slowly": true})", "advance: \"slowly\" is not known"},
         {"two values", R"({"advance": 1} {"advance": 1})", "not a JSON object"},
@@ -119,6 +128,7 @@ TEST(ReplayScript, actsThatAreRefused)
          "advance: \"advance\" is no number of seconds from 0 to a hundred years"},
         {"time without end", R"({"advance": 1e300})",
          "advance: \"advance\" is no number of seconds from 0 to a hundred years"},
+        {"time beyond ten years", R"({"advance": 315360001})", "advance: a script lasts ten years at most"},
         {"unknown operation", R"({"call": "explode"})", "call: the guard has no operation \"explode\""},
         {"operation without its argument", R"({"call": "snooze"})", "call: \"app\" is missing"},
         {"argument of another kind", R"({"call": "snooze", "app": "A", "minutes": "5"})",
@@ -142,7 +152,13 @@ TEST(ReplayScript, actsThatAreRefused)
         {"signal that can't be caught", R"({"signal": "SIGKILL"})",
          "signal: neither SIGTERM nor SIGINT; what can't be caught is a crash"},
         {"quit with arguments", R"({"quit": {"now": true}})", "quit: \"now\" is not known"},
-        {"answer", R"({"answer": {"action": "suspend", "apps": ["A"]}})", "answer is not there yet"},
+        {"answer that is no action", R"({"answer": {"action": "shout", "apps": []}})",
+         "answer: \"action\" has a value of the wrong kind"},
+        {"answer about nobody said", R"({"answer": {"action": "view"}})", "answer: \"apps\" is missing"},
+        {"answer with more", R"({"answer": {"action": "view", "apps": [], "minutes": 5}})",
+         "answer: \"minutes\" is not known"},
+        {"consent that is neither yes nor no", R"({"call": "answerExplainConsent", "granted": "yes"})",
+         "call: \"granted\" has a value of the wrong kind"},
         {"panel", R"({"show": "panel"})", "show panel is not there yet"},
         {"nothing to show", R"({"show": "weather"})", "show: \"weather\" can't be shown"},
         {"file without a name", R"({"show": "file"})", "show: \"name\" is missing"},
@@ -151,9 +167,9 @@ TEST(ReplayScript, actsThatAreRefused)
 
 TEST(ReplayScript, whatNeedsARunIsRefusedWithoutOne)
 {
-    for (const char* line :
-         {R"({"call": "tick"})", R"({"settings": {}})", R"({"quit": {}})", R"({"signal": "SIGTERM"})",
-          R"({"crash": {}})", R"({"show": "state"})", R"({"show": "menuBar"})"}) {
+    for (const char* line : {R"({"call": "tick"})", R"({"settings": {}})", R"({"quit": {}})",
+                             R"({"signal": "SIGTERM"})", R"({"crash": {}})", R"({"show": "state"})",
+                             R"({"show": "menuBar"})", R"({"answer": {"action": "view", "apps": []}})"}) {
         SCOPED_TRACE(line);
         EXPECT_EQ(play(line).errors, "replay: line 1: no guard is running: a launch comes first\n");
         EXPECT_THAT(play(std::string{"{\"launch\": {}}\n{\"crash\": {}}\n"} + line).errors,
@@ -176,6 +192,76 @@ TEST(ReplayScript, whatOnlyTheRunCanTellEndsItThere)
         EXPECT_THAT(played.out, HasSubstr("started"));
         EXPECT_THAT(played.out, ::testing::Not(HasSubstr("exit")));
         EXPECT_EQ(played.errors, std::string{"replay: line 2: "} + c.why + "\n");
+    }
+}
+
+TEST(ReplayScript, anAnswerGoesToTheGuard)
+{
+    const auto played = play("{\"launch\": {\"autoStart\": false}}\n"
+                             "{\"answer\": {\"action\": \"view\", \"apps\": [\"A\"]}}\n"
+                             "{\"answer\": {\"action\": \"view\", \"apps\": [\"A\", \"B\"]}}\n"
+                             "{\"answer\": {\"action\": \"snoozeAll\", \"apps\": [\"A\", \"B\"]}}\n");
+    EXPECT_EQ(played.status, replaySucceeded) << played.errors;
+    EXPECT_THAT(played.out, EndsWith("{\"t\":0,\"openSettings\":{\"tab\":\"apps\",\"detailApp\":\"A\"}}\n"
+                                     "{\"t\":0,\"openSettings\":{\"tab\":\"log\"}}\n"
+                                     "{\"t\":0,\"event\":{\"kind\":\"info\",\"message\":\"A snoozed for 15min\"}}\n"
+                                     "{\"t\":0,\"event\":{\"kind\":\"info\",\"message\":\"B snoozed for 15min\"}}\n"));
+}
+
+TEST(ReplayScript, timeIsCountedFromTheFirstDate)
+{
+    struct Case {
+        const char* name;
+        const char* before;
+        const char* moment;
+    };
+    constexpr Case cases[] = {
+        {"no date at all", "{\"advance\": 5}\n", "5"},
+        {"a clock after five seconds", "{\"advance\": 5}\n{\"clock\": \"2026-03-15T10:00:00Z\"}\n", "0"},
+        {"a second clock counts on",
+         "{\"clock\": \"2026-03-15T10:00:00Z\"}\n{\"advance\": 5}\n{\"clock\": \"2026-03-15T09:00:00Z\"}\n", "5"},
+        {"a world has a date, its own or not",
+         "{\"world\": {}}\n{\"advance\": 5}\n{\"clock\": \"2026-03-15T10:00:00Z\"}\n", "5"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto played = play(std::string{c.before} + "{\"show\": \"file\", \"name\": \"none\"}\n");
+        EXPECT_EQ(played.out, std::string{"{\"t\":"} + c.moment + R"(,"file":{"name":"none","content":null}})" + "\n");
+    }
+}
+
+TEST(ReplayScript, tenYearsAreTheEnd)
+{
+    const std::string year = "{\"advance\": 31536000}\n";
+    std::string script;
+    for (int i = 0; i < 10; ++i) script += year;
+    EXPECT_EQ(play(script).status, replaySucceeded);
+    EXPECT_EQ(play(script + "{\"advance\": 0.001}\n").errors,
+              "replay: line 11: advance: a script lasts ten years at most\n");
+}
+
+/// The questions after the guard's ancestors, as far as they were asked.
+TEST(ReplayScript, theGuardsAncestorsKeepTheirPlaces)
+{
+    struct Case {
+        const char* name;
+        const char* process;
+        const char* last; ///< The last one that is asked about.
+    };
+    constexpr Case cases[] = {
+        {"nothing is said of them", R"({"process": {"pid": 501}})", "700"},
+        {"one is a process that anybody sees", R"({"process": {"pid": 850, "start": "A"}})", "700"},
+        {"its line says another parent", R"({"process": {"pid": 850, "parent": 1}})", "850"},
+        {"its line says a parent of whom nothing is known", R"({"process": {"pid": 850, "parent": 33}})", "33"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto played = play(std::string{"{\"world\": {\"parents\": [850, 700, 1]}}\n"} + c.process +
+                                 "\n{\"launch\": {\"autoStart\": false}}\n");
+        EXPECT_THAT(played.out, HasSubstr(R"("-p","850"])"));
+        const auto asked = played.out.rfind("\"ppid=\"");
+        ASSERT_NE(asked, std::string::npos);
+        EXPECT_THAT(played.out.substr(asked), StartsWith(std::string{"\"ppid=\",\"-p\",\""} + c.last + "\"]"));
     }
 }
 

@@ -1,9 +1,12 @@
+#include "QuellonCore/Engine/NotificationActionRouter.h"
 #include "QuellonCore/Support/EnumTable.h"
 #include "ReplayState.h"
 #include "ReplayVerbs.h"
 
+#include <chrono>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace quellon::ReplayVerbs {
 
@@ -71,21 +74,36 @@ Action launch(ReplayFields& line, Context& context)
 Action advance(ReplayFields& line, Context& /*context*/)
 {
     const Seconds duration = line.requiredDuration("advance");
-    return [duration](ReplaySession& session) { session.world().advance(duration); };
+    return [duration](ReplaySession& session) {
+        // Far beyond what anybody asks for, and far below what a count of nanoseconds holds.
+        constexpr Seconds most = std::chrono::hours{24 * 365 * 10};
+        if (session.world().elapsed() + duration > most) throw ReplayError{"advance: a script lasts ten years at most"};
+        session.world().advance(duration);
+    };
 }
 
 Action settings(ReplayFields& line, Context& context)
 {
     requireRun(context);
-    const Json keys = line.requiredJson("settings");
-    CountedIdentifiers ids;
-    GuardSettings trial = GuardSettings::defaults(ids);
-    assignSettings(keys, trial, ids);
-    return [keys](ReplaySession& session) {
+    return [keys = line.requiredJson("settings")](ReplaySession& session) {
         GuardEngine& engine = session.engine();
         GuardSettings settings = engine.settings();
         assignSettings(keys, settings, engine.host().identifiers);
         engine.setSettings(std::move(settings));
+    };
+}
+
+Action answer(ReplayFields& line, Context& context)
+{
+    ReplayFields fields{line.requiredJson("answer"), "answer"};
+    const auto action = fields.required<NotificationAction>("action");
+    const auto apps = fields.required<std::vector<std::string>>("apps");
+    fields.finish();
+    requireRun(context);
+    return [action, apps](ReplaySession& session) {
+        GuardEngine& engine = session.engine();
+        NotificationActionRouter::perform(
+            action, apps, engine, [&](SettingsTab tab) { session.printer().openSettings(tab, engine.detailApp()); });
     };
 }
 

@@ -114,6 +114,12 @@ Operation onPlan(ReplayFields& line)
     };
 }
 
+template <auto operation>
+Operation onConsent(ReplayFields& line)
+{
+    return [granted = line.required<bool>("granted")](GuardEngine& engine) { (engine.*operation)(granted); };
+}
+
 Operation addProfile(ReplayFields& line)
 {
     return [named = line.required<std::string>("named")](GuardEngine& engine) { engine.addProfile(named); };
@@ -170,10 +176,10 @@ constexpr std::array<Call, 25> calls{{
     {"deleteProfile", onPlan<&GuardEngine::deleteProfile>},
     {"calibrate", calibrate},
     {"markAlertsSeen", plain<&GuardEngine::markAlertsSeen>},
-    {"answerUpdateCheckConsent", nullptr},
+    {"answerUpdateCheckConsent", onConsent<&GuardEngine::answerUpdateCheckConsent>},
     {"checkForUpdatesIfAllowed", nullptr},
     {"dismissAvailableUpdate", nullptr},
-    {"answerExplainConsent", nullptr},
+    {"answerExplainConsent", onConsent<&GuardEngine::answerExplainConsent>},
     {"requestExplanation", nullptr},
     {"addDevToolPresets", addDevToolPresets},
     {"setPolicy", setPolicy},

@@ -36,7 +36,7 @@ OrderedJson ReplayPrinter::moment(Seconds elapsed)
 
 void ReplayPrinter::print(std::string_view key, OrderedJson value)
 {
-    OrderedJson object = {{"t", moment(world_.elapsed())}};
+    OrderedJson object = {{"t", moment(world_.elapsed() - origin_)}};
     object[std::string{key}] = std::move(value);
     // What is no UTF-8 can only come from a text of the program that was cut in the wrong place; it is shown as such.
     out_ << object.dump(-1, ' ', false, OrderedJson::error_handler_t::replace) << '\n';
@@ -76,6 +76,18 @@ void ReplayPrinter::logged(std::string_view category, LogLevel level, std::strin
 void ReplayPrinter::event(const GuardEvent& event)
 {
     print("event", {{"kind", guardEventKinds.raw(event.kind)}, {"message", event.message}});
+}
+
+void ReplayPrinter::openSettings(SettingsTab tab, const std::optional<std::string>& detailApp)
+{
+    OrderedJson window = {{"tab", settingsTabs.raw(tab)}};
+    if (detailApp) window["detailApp"] = *detailApp;
+    print("openSettings", std::move(window));
+}
+
+void ReplayPrinter::countFromNow()
+{
+    origin_ = world_.elapsed();
 }
 
 void ReplayPrinter::plan(const NotificationPlan& plan)

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "QuellonCore/Engine/GuardEngine.h"
+#include "QuellonCore/Presentation/SettingsTab.h"
 #include "ScriptedHost.h"
 #include "ScriptedObserver.h"
 
 #include <nlohmann/json.hpp>
 
+#include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -32,6 +34,11 @@ public:
     void logged(std::string_view category, LogLevel level, std::string_view message) override;
     void event(const GuardEvent& event);
     void plan(const NotificationPlan& plan);
+    /// The settings window is asked for.
+    void openSettings(SettingsTab tab, const std::optional<std::string>& detailApp);
+
+    /// Moments are those since the world began; from now on, those since now.
+    void countFromNow();
 
     /// Writes one line: the moment, then `value` under `key`.
     void print(std::string_view key, OrderedJson value);
@@ -42,6 +49,7 @@ public:
 private:
     ScriptedHost& world_;
     std::ostream& out_;
+    Seconds origin_{0};
 };
 
 } // namespace quellon

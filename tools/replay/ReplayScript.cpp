@@ -1,12 +1,17 @@
 #include "ReplayScript.h"
 
+#include "QuellonCore/Presentation/PlainText.h"
 #include "QuellonCore/Support/Json.h"
+#include "ReplaySession.h"
 #include "ReplayVerbs.h"
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <optional>
+#include <set>
 #include <string>
+#include <vector>
 
 namespace quellon {
 
@@ -28,14 +33,38 @@ constexpr std::array<Verb, 15> verbs{{
     {"advance", ReplayVerbs::advance},
     {"call", ReplayVerbs::call},
     {"settings", ReplayVerbs::settings},
-    {"answer", nullptr},
+    {"answer", ReplayVerbs::answer},
     {"quit", ReplayVerbs::quit},
     {"signal", ReplayVerbs::signal},
     {"crash", ReplayVerbs::crash},
     {"show", ReplayVerbs::show},
 }};
 
-const Verb& verbOf(const Json& object)
+/// What only the text of an object tells: the order of its keys, and whether one stands there twice.
+struct Keys {
+    std::optional<std::string> first;
+    std::optional<std::string> doubled; ///< In this object or in one within.
+
+    /// `text` must be valid JSON.
+    static Keys of(std::string_view text)
+    {
+        Keys keys;
+        std::vector<std::set<std::string>> open;
+        const auto note = [&](int /*depth*/, Json::parse_event_t event, Json& key) {
+            if (event == Json::parse_event_t::object_start) open.emplace_back();
+            if (event == Json::parse_event_t::object_end) open.pop_back();
+            if (event != Json::parse_event_t::key) return true;
+            const auto name = key.get<std::string>();
+            if (!keys.first) keys.first = name;
+            if (!keys.doubled && !open.back().insert(name).second) keys.doubled = name;
+            return true;
+        };
+        [[maybe_unused]] const Json value = Json::parse(text, note, false);
+        return keys;
+    }
+};
+
+const Verb& verbOf(const Json& object, const Keys& keys)
 {
     const Verb* result = nullptr;
     for (const Verb& verb : verbs) {
@@ -44,14 +73,16 @@ const Verb& verbOf(const Json& object)
         result = &verb;
     }
     if (result != nullptr) return *result;
-    throw ReplayError{object.empty() ? std::string{"no verb"} : "unknown verb \"" + object.begin().key() + "\""};
+    throw ReplayError{keys.first ? "unknown verb \"" + *keys.first + "\"" : "no verb"};
 }
 
 ReplayVerbs::Action readLine(std::string_view text, ReplayVerbs::Context& context)
 {
     const auto json = parseJson(text);
     if (!json || !json->is_object()) throw ReplayError{"not a JSON object"};
-    const Verb& verb = verbOf(*json);
+    const auto keys = Keys::of(text);
+    if (keys.doubled) throw ReplayError{"\"" + *keys.doubled + "\" stands there twice"};
+    const Verb& verb = verbOf(*json, keys);
     if (verb.read == nullptr) throw ReplayError{std::string{verb.name} + " is not there yet"};
     ReplayFields fields{*json, verb.name};
     auto action = verb.read(fields, context);
@@ -64,47 +95,25 @@ bool isSkipped(std::string_view line)
     return line.starts_with('#') || line.find_first_not_of(" \t\r") == std::string_view::npos;
 }
 
-[[noreturn]] void refuseLine(std::size_t number, const ReplayError& error)
-{
-    throw ReplayError{"line " + std::to_string(number) + ": " + error.what()};
-}
-
 } // namespace
 
-std::vector<ReplayStep> readReplayScript(std::string_view text)
+int runReplayScript(std::string_view text, std::ostream& out, std::ostream& errors)
 {
-    std::vector<ReplayStep> steps;
+    ReplaySession session{out};
     ReplayVerbs::Context context;
     for (std::size_t number = 1; !text.empty(); ++number) {
         const std::string_view line = text.substr(0, text.find('\n'));
         text.remove_prefix(std::min(text.size(), line.size() + 1));
         if (isSkipped(line)) continue;
         try {
-            steps.push_back({number, readLine(line, context)});
+            const auto act = readLine(line, context);
+            act(session);
         } catch (const ReplayError& error) {
-            refuseLine(number, error);
+            out.flush();
+            errors << "replay: line " << number << ": " << plainText(error.what()) << '\n';
+            return replayRefused;
         }
         context.isFirst = false;
-    }
-    return steps;
-}
-
-int runReplayScript(std::string_view text, std::ostream& out, std::ostream& errors)
-{
-    try {
-        const auto steps = readReplayScript(text);
-        ReplaySession session{out};
-        for (const ReplayStep& step : steps) {
-            try {
-                step.act(session);
-            } catch (const ReplayError& error) {
-                refuseLine(step.line, error);
-            }
-        }
-    } catch (const ReplayError& error) {
-        out.flush();
-        errors << "replay: " << error.what() << '\n';
-        return replayRefused;
     }
     return replaySucceeded;
 }

@@ -26,6 +26,12 @@ std::filesystem::path ReplaySession::stateFolder()
     return Persistence{world_.host()}.directory();
 }
 
+void ReplaySession::setDate(Date date)
+{
+    world_.setClock(date);
+    if (!std::exchange(hasDate_, true)) printer_.countFromNow();
+}
+
 void ReplaySession::launch(const Launch& launch)
 {
     const Host host = world_.host();

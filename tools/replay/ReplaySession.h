@@ -28,6 +28,8 @@ public:
 
     [[nodiscard]] ScriptedHost& world() { return world_; }
     [[nodiscard]] ReplayPrinter& printer() { return printer_; }
+    /// The wall clock jumps. What is printed counts its time from the first call on.
+    void setDate(Date date);
     /// Whether warnings can reach the user, in every run from the next one on.
     void setNotificationCapability(const NotificationCapability& capability) { capability_ = capability; }
     /// The engine of the present run; throws a `ReplayError` when there is none.
@@ -48,6 +50,7 @@ private:
     ScriptedHost world_;
     ReplayPrinter printer_;
     NotificationCapability capability_;
+    bool hasDate_ = false;
     std::unique_ptr<GuardEngine> engine_;
 
     void end();

@@ -195,6 +195,9 @@ OrderedJson replayState(const GuardEngine& engine)
     state["liveness"] = object(engine.liveness());
     put(state, "lastSampleFailureAt", engine.lastSampleFailureAt());
     state["protectedReasons"] = object(engine.protectedReasons());
+    state["explainInFlight"] = engine.explainInFlight();
+    state["explainFailures"] = object(engine.explainFailures());
+    put(state, "detailApp", engine.detailApp());
     state["sampling"] = object(engine.sampling());
     state["budget"] = object(engine.budget());
     state["isTicking"] = engine.isTicking();

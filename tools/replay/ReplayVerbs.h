@@ -6,7 +6,7 @@
 
 #include <functional>
 
-/// The verbs of a script: each reads its line and gives what is to be done.
+/// The verbs of a script: each reads its line, changes nothing but the context, and gives what is to be done.
 namespace quellon::ReplayVerbs {
 
 using Action = std::function<void(ReplaySession&)>;
@@ -14,7 +14,7 @@ using Action = std::function<void(ReplaySession&)>;
 /// What a line needs to know of the lines before it.
 struct Context {
     bool isFirst = true;    ///< No line came before.
-    bool isRunning = false; ///< A run of the guard will be going on when the line is reached.
+    bool isRunning = false; ///< A run of the guard is going on.
 };
 
 // The world.
@@ -29,6 +29,7 @@ struct Context {
 [[nodiscard]] Action advance(ReplayFields& line, Context& context);
 [[nodiscard]] Action call(ReplayFields& line, Context& context);
 [[nodiscard]] Action settings(ReplayFields& line, Context& context);
+[[nodiscard]] Action answer(ReplayFields& line, Context& context);
 [[nodiscard]] Action quit(ReplayFields& line, Context& context);
 [[nodiscard]] Action signal(ReplayFields& line, Context& context);
 [[nodiscard]] Action crash(ReplayFields& line, Context& context);

@@ -105,7 +105,7 @@ Action world(ReplayFields& line, Context& context)
     fields.finish();
     return [=](ReplaySession& session) {
         ScriptedHost& host = session.world();
-        if (date) host.setClock(*date);
+        session.setDate(date.value_or(host.now()));
         host.setZone(zone);
         host.platform(platform);
         if (pid) host.processID(*pid);
@@ -164,7 +164,7 @@ Action process(ReplayFields& line, Context& /*context*/)
     const auto pid = requiredPID(fields, fields.required<std::int32_t>("pid"));
     ScriptedProcess process;
     process.start = fields.optional("start", process.start);
-    process.parent = fields.optional("parent", process.parent);
+    process.parent = fields.optional<std::int32_t>("parent");
     process.denied = fields.optional("denied", process.denied);
     process.alive = fields.optional("alive", process.alive);
     process.obeysTerminate = fields.optional("obeysTerminate", process.obeysTerminate);
@@ -175,7 +175,7 @@ Action process(ReplayFields& line, Context& /*context*/)
 Action clock(ReplayFields& line, Context& /*context*/)
 {
     const Date date = line.requiredDate("clock");
-    return [date](ReplaySession& session) { session.world().setClock(date); };
+    return [date](ReplaySession& session) { session.setDate(date); };
 }
 
 } // namespace quellon::ReplayVerbs

@@ -125,11 +125,13 @@ std::string ScriptedProcesses::startTime(std::int32_t pid) const
 std::string ScriptedProcesses::parent(std::int32_t pid) const
 {
     const auto found = others.find(pid);
-    if (found != others.end() && found->second.alive) return std::to_string(found->second.parent);
+    const bool isThere = found != others.end() && found->second.alive;
+    if (isThere && found->second.parent) return std::to_string(*found->second.parent);
     std::vector<std::int32_t> line{id};
     line.insert(line.end(), parents.begin(), parents.end());
     const auto place = std::find(line.begin(), line.end(), pid);
-    return place != line.end() && place + 1 != line.end() ? std::to_string(*(place + 1)) : "";
+    if (place != line.end() && place + 1 != line.end()) return std::to_string(*(place + 1));
+    return isThere ? "1" : "";
 }
 
 void ScriptedProcesses::exit(int status)

@@ -82,7 +82,7 @@ public:
 /// Somebody else's process.
 struct ScriptedProcess {
     std::string start; ///< What tells it from another process with its id; empty when that can't be read.
-    std::int32_t parent = 1;
+    std::optional<std::int32_t> parent{}; ///< Absent: who follows it in the guard's ancestry, else 1.
     bool denied = false; ///< It is alive, and this user may not signal it.
     bool alive = true;
     bool obeysTerminate = true; ///< SIGTERM ends it, also while it is stopped.
