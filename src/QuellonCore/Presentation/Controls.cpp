@@ -190,6 +190,16 @@ void Controls::perform(ControlCommand command)
     soon();
 }
 
+void Controls::resume(const std::string& name)
+{
+    const auto& paused = engine_.suspended();
+    const auto entry = std::find_if(paused.begin(), paused.end(),
+                                    [&](const SuspendedApp& each) { return plainText(each.app) == name; });
+    if (entry == paused.end()) return;
+    engine_.resumeApps({entry->app}, 0);
+    soon();
+}
+
 void Controls::dismiss()
 {
     if (hold_) return;

@@ -35,6 +35,10 @@ public:
     /// Does nothing for what the model does not offer.
     void perform(ControlCommand command);
 
+    /// Resumes the paused application that the model shows by this name, without a snooze. Does nothing when there is
+    /// none.
+    void resume(const std::string& name);
+
     /// Presses a button of the question, 0 for the first; with that the question is answered, and the next one has its
     /// turn. Does nothing when there is no such button, or within `holdTime` of the question's turn.
     void answer(std::size_t button);

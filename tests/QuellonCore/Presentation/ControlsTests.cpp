@@ -193,6 +193,20 @@ TEST_F(ControlsTest, nothingIsSelectedAmongWhatMovesUntilTheUserDoes)
     EXPECT_EQ(model().selectedRow, world.engine->usage().size() - 1) << "upwards begins at the end";
 }
 
+TEST_F(ControlsTest, resumeByTheNameThatIsShown)
+{
+    world.app("ev\x1Bil", {801});
+    world.engine->enforceNow({"Player", "ev\x1Bil"}, EnforcementAction::suspend);
+    static_cast<void>(world.trace.take());
+    controls->resume("nobody");
+    EXPECT_THAT(world.trace.take(), IsEmpty());
+    controls->resume("ev�il");
+    EXPECT_THAT(world.trace.take(), ElementsAre("CONT 801", "save suspended.json", "info: Resumed ev\x1Bil"));
+    controls->resume("ev�il");
+    EXPECT_THAT(world.trace.take(), IsEmpty()) << "it is not paused any more";
+    EXPECT_THAT(model().paused, ElementsAre(Field(&ControlsModel::Paused::app, "Player")));
+}
+
 TEST_F(ControlsTest, stopAndStart)
 {
     freeze(501);
