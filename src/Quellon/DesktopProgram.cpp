@@ -3,6 +3,7 @@
 #include "Quellon/AppDelegate.h"
 #include "Quellon/QtRunLoop.h"
 #include "Quellon/QuellonApp.h"
+#include "QuellonCore/Presentation/Controls.h"
 #include "QuellonUI/OverviewWindow.h"
 
 #include <QApplication>
@@ -47,6 +48,37 @@ void whileConnecting(QtMsgType type, const QMessageLogContext& /*context*/, cons
     if (type == QtFatalMsg) beginWithoutDisplay();
 }
 
+/// The engine in a window, which is where the user is told and asked.
+class DesktopView {
+public:
+    DesktopView(GuardEngine& engine, NotificationFeed& feed)
+        : engine_(engine), controls_(engine, feed, [this] { refresh(); }), observation_(engine, [this] { refresh(); })
+    {
+        QObject::connect(&window_, &OverviewWindow::commanded, &window_,
+                         [this](ControlCommand command) { controls_.perform(command); });
+        QObject::connect(&window_, &OverviewWindow::answered, &window_,
+                         [this](std::size_t button) { controls_.answer(button); });
+        QObject::connect(&window_, &OverviewWindow::resumed, &window_,
+                         [this](const std::string& app) { controls_.resume(app); });
+        refresh();
+    }
+
+    void show() { window_.show(); }
+
+private:
+    GuardEngine& engine_;
+    OverviewWindow window_;
+    Controls controls_;
+    GuardEngine::Observation observation_;
+
+    void refresh()
+    {
+        const Date now = engine_.host().clock.now();
+        window_.setModel(OverviewModel::of(engine_, now));
+        window_.setControls(controls_.model(now));
+    }
+};
+
 } // namespace
 
 bool isAvailable()
@@ -67,13 +99,8 @@ int run(char** arguments, const ProgramOptions& options)
     QApplication::setDesktopFileName(QStringLiteral("org.quellon.Quellon"));
 
     QuellonApp app{options};
-    OverviewWindow window;
-    const auto refresh = [&app, &window] {
-        window.setModel(OverviewModel::of(app.engine(), app.engine().host().clock.now()));
-    };
-    const GuardEngine::Observation observation{app.engine(), refresh};
-    refresh();
-    window.show();
+    DesktopView view{app.engine(), app.notifications()};
+    view.show();
     RunLoop::Handle end;
     if (options.duration) end = app.runLoop().after(*options.duration, [] { QApplication::quit(); });
     const QtRunLoop embedded{app.runLoop()};

@@ -83,6 +83,9 @@ OverviewWindow::OverviewWindow()
       counters_(new TextLabel{Fonts::body(), counterCard_}),
       warning_(makeNotice(this)),
       hint_(makeNotice(this)),
+      question_(new NoticeCard{this}),
+      note_(new NoticeCard{this}),
+      paused_(new PausedList{this}),
       usageHeading_(new TextLabel{Fonts::section(), this}),
       windowHeading_(new TextLabel{Fonts::caption(), this}),
       empty_(makeNotice(this)),
@@ -104,8 +107,17 @@ OverviewWindow::OverviewWindow()
     setFocusPolicy(Qt::ClickFocus);
     setFocus();
     arrange();
+    connectControls();
     applyTheme();
     showTexts();
+}
+
+void OverviewWindow::connectControls()
+{
+    connect(question_, &NoticeCard::answered, this, &OverviewWindow::answered);
+    connect(question_, &NoticeCard::dismissed, this, [this] { Q_EMIT commanded(ControlCommand::dismiss); });
+    connect(paused_, &PausedList::resumed, this, &OverviewWindow::resumed);
+    connect(paused_, &PausedList::allResumed, this, [this] { Q_EMIT commanded(ControlCommand::resumeAll); });
 }
 
 void OverviewWindow::arrange()
@@ -140,6 +152,9 @@ void OverviewWindow::arrangeHead(QVBoxLayout& layout)
         notice->setContentsMargins(0, 8, 0, 0);
         layout.addWidget(notice);
     }
+    layout.addWidget(note_);
+    layout.addWidget(question_);
+    layout.addWidget(paused_);
 }
 
 void OverviewWindow::arrangeLists(QVBoxLayout& layout)
@@ -169,6 +184,19 @@ void OverviewWindow::setModel(const OverviewModel& model)
     showTexts();
 }
 
+void OverviewWindow::setControls(const ControlsModel& controls)
+{
+    if (controls == controls_) return;
+    const bool asks = controls.question && controls.question != controls_.question;
+    const bool selects = controls.selectedRow && controls.selectedRow != controls_.selectedRow;
+    controls_ = controls;
+    note_->setNotice(controls_.note, {});
+    question_->setNotice(controls_.question, controls_.questionPlace);
+    paused_->setPaused(controls_.paused);
+    if (selects) usage_->setCurrentIndex(usageValues_.index(static_cast<int>(*controls_.selectedRow), 0));
+    if (asks) QApplication::alert(this);
+}
+
 void OverviewWindow::showTexts()
 {
     dot_->setColour(Theme::of(QApplication::palette()).tone(model_.tone));
@@ -190,6 +218,8 @@ void OverviewWindow::applyTheme()
     const Theme& theme = Theme::of(QApplication::palette());
     setPalette(theme.palette());
     counterCard_->setTheme(theme);
+    for (NoticeCard* const card : {question_, note_}) card->setTheme(theme);
+    paused_->setTheme(theme);
     usageDelegate_->setTheme(theme);
     activityDelegate_->setTheme(theme);
     title_->setColour(theme.text);

@@ -2,6 +2,8 @@
 
 #include "QuellonCore/Presentation/OverviewModel.h"
 #include "QuellonUI/Card.h"
+#include "QuellonUI/NoticeCard.h"
+#include "QuellonUI/PausedList.h"
 #include "QuellonUI/RowDelegates.h"
 #include "QuellonUI/StatusDot.h"
 #include "QuellonUI/TextLabel.h"
@@ -13,8 +15,8 @@ class QVBoxLayout;
 
 namespace quellon {
 
-/// The program's window: draws an overview. Knows no engine and no clock. Closing it (Ctrl+Q or Ctrl+W, too) is up to
-/// the toolkit, which ends the program with its last window.
+/// The program's window: draws an overview and the controls, and reports what the user does. Knows no engine and no
+/// clock. Closing it (Ctrl+Q or Ctrl+W, too) is up to the toolkit, which ends the program with its last window.
 class OverviewWindow final : public QWidget {
     Q_OBJECT
 public:
@@ -22,12 +24,23 @@ public:
 
     /// Shows this overview; returns at once when it is the one that is shown.
     void setModel(const OverviewModel& model);
+    /// Shows the notifications, what is paused and which application is selected; returns at once when it is that which
+    /// is shown. A question that comes to its turn asks for attention when another window has it.
+    void setControls(const ControlsModel& controls);
+
+Q_SIGNALS:
+    void commanded(ControlCommand command);
+    /// A button of the question, 0 for the first.
+    void answered(std::size_t button);
+    /// A paused application is to be resumed, by the name that is shown.
+    void resumed(const std::string& app);
 
 protected:
     bool event(QEvent* event) override;
 
 private:
     OverviewModel model_;
+    ControlsModel controls_;
     UsageListModel usageValues_;
     ActivityListModel activityValues_;
 
@@ -39,6 +52,9 @@ private:
     TextLabel* counters_;
     QLabel* warning_;
     QLabel* hint_;
+    NoticeCard* question_;
+    NoticeCard* note_;
+    PausedList* paused_;
     TextLabel* usageHeading_;
     TextLabel* windowHeading_;
     QLabel* empty_;
@@ -51,6 +67,7 @@ private:
     void arrange();
     void arrangeHead(QVBoxLayout& layout);
     void arrangeLists(QVBoxLayout& layout);
+    void connectControls();
     void showTexts();
     void applyTheme();
 };
