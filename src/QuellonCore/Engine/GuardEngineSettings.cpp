@@ -1,4 +1,3 @@
-#include "QuellonCore/Budget/ProfileAutoSwitch.h"
 #include "QuellonCore/Engine/GuardEngine.h"
 
 #include <fmt/format.h>
@@ -140,13 +139,11 @@ UUID GuardEngine::addProfile(std::string_view named)
 void GuardEngine::deleteProfile(const UUID& id)
 {
     const PlanProfile* found = find(settings_.profiles, id);
-    if (found == nullptr || settings_.profiles.size() < 2) return;
-    const PlanProfile plan = *found;
     const auto isDeleted = [&](const PlanProfile& each) { return each.id == id; };
-    if (id == settings_.activeProfileID) {
-        const auto other = std::find_if_not(settings_.profiles.begin(), settings_.profiles.end(), isDeleted);
-        if (other != settings_.profiles.end()) selectProfile(UUID{other->id});
-    }
+    const auto other = std::find_if_not(settings_.profiles.begin(), settings_.profiles.end(), isDeleted);
+    if (found == nullptr || other == settings_.profiles.end()) return;
+    const PlanProfile plan = *found;
+    if (id == settings_.activeProfileID) selectProfile(UUID{other->id});
     GuardSettings settings = settings_;
     std::erase_if(settings.profiles, isDeleted);
     setSettings(settings);

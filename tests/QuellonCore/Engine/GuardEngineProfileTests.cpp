@@ -268,6 +268,17 @@ TEST(EngineProfiles, theLastPlanAndAnUnknownOneStay)
     EXPECT_EQ(two.engine->settings().profiles.size(), 2U);
 }
 
+TEST(EngineProfiles, twoPlansOfOneIDStayWhenThereIsNoOther)
+{
+    PlansWorld world;
+    world.settings.profiles[1].id = world.phone;
+    world.begin();
+    ASSERT_EQ(world.engine->settings().profiles.size(), 2U);
+    world.engine->deleteProfile(world.phone);
+    EXPECT_THAT(world.trace.take(), IsEmpty());
+    EXPECT_EQ(world.engine->settings().profiles.size(), 2U);
+}
+
 TEST(EngineProfiles, aHotspotBringsItsPlanBack)
 {
     PlansWorld world;
