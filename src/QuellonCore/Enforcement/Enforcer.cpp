@@ -47,6 +47,12 @@ Processes references(const Host& host, const std::vector<std::int32_t>& pids)
     return result;
 }
 
+/// True when the process is alive and its start time is `expected`, or `expected` is empty.
+bool isStill(const Host& host, const ProcessReference& process, const std::string& expected)
+{
+    return process.isAlive() && matchesIdentity(host, process.pid(), expected);
+}
+
 /// What a query about one process answers, without blanks and line ends around it; absent when that is nothing.
 std::optional<std::string> query(const Host& host, ToolRole role, std::int32_t pid)
 {
@@ -58,15 +64,23 @@ std::optional<std::string> query(const Host& host, ToolRole role, std::int32_t p
 
 } // namespace
 
-std::vector<std::int32_t> apply(const Host& host, EnforcementAction action, const std::vector<std::int32_t>& pids)
+Processes apply(const Host& host, EnforcementAction action, const std::vector<std::int32_t>& pids)
 {
     const auto which = signal(action);
-    return which ? send(references(host, pids), *which) : std::vector<std::int32_t>{};
+    if (!which) return {};
+    Processes processes = references(host, pids);
+    std::erase_if(processes, [which](const auto& process) { return !process->send(*which); });
+    return processes;
 }
 
 void kill(const Processes& processes)
 {
     send(processes, ProcessSignal::kill);
+}
+
+std::unique_ptr<Lifeline> lifeline(const Host& host, EnforcementAction action, const std::vector<std::int32_t>& pids)
+{
+    return action == EnforcementAction::suspend ? host.processes.lifeline(pids) : nullptr;
 }
 
 std::vector<std::int32_t> resume(const Host& host, const std::vector<std::int32_t>& pids)
@@ -77,6 +91,13 @@ std::vector<std::int32_t> resume(const Host& host, const std::vector<std::int32_
 std::vector<std::int32_t> resume(const Processes& processes)
 {
     return send(processes, ProcessSignal::continue_);
+}
+
+std::vector<std::int32_t> pids(const Processes& processes)
+{
+    std::vector<std::int32_t> result;
+    for (const auto& process : processes) result.push_back(process->pid());
+    return result;
 }
 
 bool isAlive(const Host& host, std::int32_t pid)
@@ -105,31 +126,32 @@ std::unique_ptr<ProcessReference> verified(const Host& host, std::int32_t pid, c
 {
     // Held before it is looked at, so that what is found out is true of whom a signal will reach.
     auto process = host.processes.reference(pid);
-    if (!process->isAlive() || !matchesIdentity(host, pid, expected)) return nullptr;
-    return process;
+    return isStill(host, *process, expected) ? std::move(process) : nullptr;
 }
 
-Processes escalationTargets(const Host& host, const std::vector<std::int32_t>& pids,
-                            const std::vector<std::string>& identities)
+Processes escalationTargets(const Host& host, Processes processes, const std::vector<std::string>& identities)
 {
     Processes result;
-    for (std::size_t i = 0; i < std::min(pids.size(), identities.size()); ++i) {
-        if (auto process = verified(host, pids[i], identities[i])) result.push_back(std::move(process));
+    for (std::size_t i = 0; i < std::min(processes.size(), identities.size()); ++i) {
+        if (isStill(host, *processes[i], identities[i])) result.push_back(std::move(processes[i]));
     }
     return result;
 }
 
-void scheduleTerminateEscalation(const Host& host, std::vector<std::int32_t> pids, std::vector<std::string> identities,
+void scheduleTerminateEscalation(const Host& host, Processes processes, std::vector<std::string> identities,
                                  Seconds after, Scheduler schedule)
 {
-    if (pids.empty()) return;
+    if (processes.empty()) return;
+    // A reference that goes by the number alone learns of an end by being asked, before the number is given anew.
+    for (const auto& process : processes) (void)process->isAlive();
     if (!schedule) {
         schedule = [&runLoop = host.runLoop](Seconds delay, RunLoop::Work work) {
             runLoop.postAfter(delay, [&runLoop, work = std::move(work)] { runLoop.background(work, [] {}); });
         };
     }
-    schedule(after, [host, pids = std::move(pids), identities = std::move(identities)] {
-        kill(escalationTargets(host, pids, identities));
+    const auto asked = std::make_shared<Processes>(std::move(processes)); // work can be copied, references can't
+    schedule(after, [host, asked, identities = std::move(identities)] {
+        kill(escalationTargets(host, std::exchange(*asked, {}), identities));
     });
 }
 

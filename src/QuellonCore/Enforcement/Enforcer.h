@@ -12,9 +12,10 @@
 #include <string>
 #include <vector>
 
-/// Acts on other processes, and supplies what makes that safe. The one place that sends signals; whom and when is
-/// decided elsewhere. Process ids come and go: a later action on one compares the start time that was taken when the
-/// guard first acted on it. No failure is reported; it shows in a shorter result.
+/// Acts on other processes, and supplies what makes that safe. The one place that sends signals, other than the shells
+/// that thaw: the watchdog, and lifelines. Whom and when is decided elsewhere. Process ids come and go: a later action
+/// on one compares the start time that was taken when the guard first acted on it. No failure is reported; it shows in
+/// a shorter result.
 namespace quellon::Enforcer {
 
 /// After how many seconds the watchdog thaws what was frozen, whatever has become of the guard.
@@ -31,14 +32,22 @@ using Scheduler = std::function<void(Seconds delay, RunLoop::Work work)>;
 
 /// Sends the signal of `action` (`terminate`: only SIGTERM) to each process in order. Returns those that it reached;
 /// `warn` sends nothing and reaches none.
-std::vector<std::int32_t> apply(const Host& host, EnforcementAction action, const std::vector<std::int32_t>& pids);
+[[nodiscard]] Processes apply(const Host& host, EnforcementAction action, const std::vector<std::int32_t>& pids);
 /// SIGKILL to those of the processes that it can reach.
 void kill(const Processes& processes);
+
+/// What the processes are held by while `action` is applied to them and the freeze is not on record yet: should the
+/// guard die in between, nobody else would know of it. Null for an action that freezes nobody.
+[[nodiscard]] std::unique_ptr<Lifeline> lifeline(const Host& host, EnforcementAction action,
+                                                 const std::vector<std::int32_t>& pids);
 
 /// Sends SIGCONT to each process in order, whoever it is by now: it does no harm to one that runs. Returns those that
 /// it reached.
 std::vector<std::int32_t> resume(const Host& host, const std::vector<std::int32_t>& pids);
 std::vector<std::int32_t> resume(const Processes& processes);
+
+/// The ids of the processes, in order.
+[[nodiscard]] std::vector<std::int32_t> pids(const Processes& processes);
 
 /// True when a process with this id exists, another user's too.
 [[nodiscard]] bool isAlive(const Host& host, std::int32_t pid);
@@ -60,12 +69,14 @@ std::vector<std::int32_t> resume(const Processes& processes);
 
 /// Of those that were asked to end, who is still there and still the same. The shorter list decides how many are looked
 /// at. Blocks for each.
-[[nodiscard]] Processes escalationTargets(const Host& host, const std::vector<std::int32_t>& pids,
+[[nodiscard]] Processes escalationTargets(const Host& host, Processes processes,
                                           const std::vector<std::string>& identities);
 
-/// After `after`, SIGKILL to the `escalationTargets` of that moment. Nothing cancels it but the end of the program.
-/// Nothing is scheduled for no processes. `schedule` by default runs the work on a background thread.
-void scheduleTerminateEscalation(const Host& host, std::vector<std::int32_t> pids, std::vector<std::string> identities,
+/// After `after`, SIGKILL to the `escalationTargets` of that moment. The processes are those that took SIGTERM, by the
+/// references that it was sent through, so that a stranger with the id of one that obeyed is not hit. Nothing cancels
+/// it but the end of the program. Nothing is scheduled for no processes. `schedule` by default runs the work on a
+/// background thread.
+void scheduleTerminateEscalation(const Host& host, Processes processes, std::vector<std::string> identities,
                                  Seconds after = terminateGraceSeconds, Scheduler schedule = {});
 
 /// Starts the watchdog: a child that sleeps for so many seconds, sends SIGCONT to each process and ends. It belongs to

@@ -5,6 +5,7 @@
 #include "QuellonCore/Diagnostics/SamplingDiagnostics.h"
 #include "QuellonCore/Enforcement/EnforcementHistory.h"
 #include "QuellonCore/Enforcement/Enforcer.h"
+#include "QuellonCore/Enforcement/ReplacedPauses.h"
 #include "QuellonCore/Enforcement/SuspendedApp.h"
 #include "QuellonCore/Engine/GuardEvent.h"
 #include "QuellonCore/Host/Host.h"
@@ -281,8 +282,10 @@ private:
     void evaluate(const ProcessTable::Entries& table, Date now);
     void checkAlwaysBlockedApps(Date now);
     [[nodiscard]] bool isCooling(std::string_view app, Date now) const;
-    void respond(const RuleBreach& breach, const Targets& targets, std::vector<RuleBreach>& warnings, Date now);
-    void enforce(const RuleBreach& breach, const std::vector<std::int32_t>& targets, Date now);
+    void respond(const RuleBreach& breach, const Targets& targets, const ProcessTable::Entries& table,
+                 std::vector<RuleBreach>& warnings, Date now);
+    void enforce(const RuleBreach& breach, const std::vector<std::int32_t>& targets, const ProcessTable::Entries& table,
+                 Date now);
     void tellOfEnforcement(const RuleBreach& breach, EnforcementAction action, std::size_t count, Date now);
     void countTrigger(std::string_view app, std::uint64_t bytes, Date now);
     void deliverWarnings(std::vector<RuleBreach> breaches, Date now);
@@ -290,7 +293,7 @@ private:
     void notify(const NotificationPlan& plan) const;
 
     // What is frozen, and what is held.
-    void follow(EnforcementAction action, SuspendedApp entry);
+    void follow(EnforcementAction action, Enforcer::Processes processes, SuspendedApp entry);
     void setSnooze(std::string_view app, double minutes);
     void pruneSuspended();
     void recoverOrphansFromPreviousRun();
@@ -306,6 +309,7 @@ private:
     std::set<std::string> chronic_;
     std::deque<GuardEvent> events_;
     std::vector<SuspendedApp> suspended_;
+    ReplacedPauses replacedPauses_;
     bool isRunning_ = false;
     Capabilities capabilities_;
     std::optional<BudgetStatus> budgetStatus_;

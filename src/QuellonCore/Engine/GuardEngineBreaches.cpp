@@ -68,20 +68,21 @@ void GuardEngine::evaluate(const ProcessTable::Entries& table, Date now)
             else if (!targets.firstReason)
                 targets.firstReason = std::move(decision.reason);
         }
-        respond(breach, targets, warnings, now);
+        respond(breach, targets, table, warnings, now);
     }
     // Also with nothing, so that a pending batch can come due.
     deliverWarnings(std::move(warnings), now);
 }
 
-void GuardEngine::respond(const RuleBreach& breach, const Targets& targets, std::vector<RuleBreach>& warnings, Date now)
+void GuardEngine::respond(const RuleBreach& breach, const Targets& targets, const ProcessTable::Entries& table,
+                          std::vector<RuleBreach>& warnings, Date now)
 {
     const ActionLevel level = NotificationGate::effectiveLevel(breach.level(), notificationCapability_);
     const auto response =
         BreachResponse::decide(level, effectiveAction(), !targets.allowed.empty(), targets.firstReason);
     switch (response.kind) {
     case BreachResponse::Kind::enforce:
-        enforce(breach, targets.allowed, now);
+        enforce(breach, targets.allowed, table, now);
         return;
     case BreachResponse::Kind::recordSilently:
         append(GuardEvent::Kind::warning, fmt::format("{} → protected [{}]", summary(breach), response.reason));
@@ -96,14 +97,16 @@ void GuardEngine::respond(const RuleBreach& breach, const Targets& targets, std:
     countTrigger(breach.app, breach.bytes, now);
 }
 
-void GuardEngine::enforce(const RuleBreach& breach, const std::vector<std::int32_t>& targets, Date now)
+void GuardEngine::enforce(const RuleBreach& breach, const std::vector<std::int32_t>& targets,
+                          const ProcessTable::Entries& table, Date now)
 {
     cooldown_.insert_or_assign(breach.app, now + enforcementCooldown);
     const std::size_t count = enforcementHistory_.count(breach.app, now); // before this one
     const EnforcementAction action = EnforcementHistory::actionAfterLoopBreaker(effectiveAction(), count);
     const bool isLoop = EnforcementHistory::isLoop(count);
-    const auto acted = Enforcer::apply(host_, action, targets);
-    if (acted.empty()) {
+    auto untilRecorded = Enforcer::lifeline(host_, action, targets);
+    auto processes = Enforcer::apply(host_, action, targets);
+    if (processes.empty()) {
         append(GuardEvent::Kind::warning, summary(breach) + " → action failed (no permission)");
         return;
     }
@@ -114,10 +117,13 @@ void GuardEngine::enforce(const RuleBreach& breach, const std::vector<std::int32
                                                    isLoop ? " (kill loop breaker)" : ""));
     countTrigger(breach.app, breach.bytes, now);
     ledger_.clear(breach.app); // it starts from zero, so it does not breach again at once
+    const auto acted = Enforcer::pids(processes);
     if (action == EnforcementAction::suspend) {
+        replacedPauses_.keep(host_, breach.app, suspended_, acted, table);
         std::erase_if(suspended_, [&](const SuspendedApp& entry) { return entry.app == breach.app; });
     }
-    follow(action, {breach.app, acted, Enforcer::identities(host_, acted), breach.bytes, now});
+    follow(action, std::move(processes), {breach.app, acted, Enforcer::identities(host_, acted), breach.bytes, now});
+    untilRecorded.reset();
     tellOfEnforcement(breach, action, count, now);
 }
 

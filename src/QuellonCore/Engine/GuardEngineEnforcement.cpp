@@ -22,11 +22,11 @@ std::size_t processCount(const std::vector<SuspendedApp>& entries)
 
 } // namespace
 
-/// What an action leaves to be done later.
-void GuardEngine::follow(EnforcementAction action, SuspendedApp entry)
+/// What an action on these processes leaves to be done later.
+void GuardEngine::follow(EnforcementAction action, Enforcer::Processes processes, SuspendedApp entry)
 {
     if (action == EnforcementAction::terminate) {
-        Enforcer::scheduleTerminateEscalation(host_, std::move(entry.pids), std::move(entry.starts));
+        Enforcer::scheduleTerminateEscalation(host_, std::move(processes), std::move(entry.starts));
     } else if (action == EnforcementAction::suspend) {
         // The watchdog first: from here on the freeze has an end, whatever becomes of the guard.
         Enforcer::scheduleAutoResume(host_, entry.pids, autoResumeSeconds_);
@@ -51,9 +51,11 @@ void GuardEngine::enforceNow(const std::vector<std::string>& apps, EnforcementAc
             if (ProcessTable::appLabel(process.command) != app) continue;
             if (protection_.decide(process, selfPIDs, groups).isAllowed()) targets.push_back(process.pid);
         }
-        const auto acted = Enforcer::apply(host_, action, targets);
-        if (acted.empty()) continue;
-        follow(action, {app, acted, Enforcer::identities(host_, acted), 0, host_.clock.now()});
+        const auto untilRecorded = Enforcer::lifeline(host_, action, targets);
+        auto processes = Enforcer::apply(host_, action, targets);
+        if (processes.empty()) continue;
+        const auto acted = Enforcer::pids(processes);
+        follow(action, std::move(processes), {app, acted, Enforcer::identities(host_, acted), 0, host_.clock.now()});
         append(GuardEvent::Kind::enforced,
                fmt::format("{} → {} (from notification)", app, enforcementActions.label(action)));
     }
@@ -69,6 +71,7 @@ void GuardEngine::resume(const SuspendedApp& entry, std::optional<double> snooze
 {
     const SuspendedApp thawed = entry; // it may be one of those that go
     Enforcer::resume(host_, thawed.pids);
+    replacedPauses_.thaw(thawed.app);
     std::erase_if(suspended_, [id = thawed.id()](const SuspendedApp& each) { return each.id() == id; });
     cooldown_.erase(thawed.app);
     const double minutes = snoozeMinutes.value_or(settings_.snoozeMinutes);
@@ -89,6 +92,7 @@ void GuardEngine::resumeApps(const std::vector<std::string>& named, std::optiona
 void GuardEngine::resumeAll(bool silent)
 {
     for (const SuspendedApp& entry : suspended_) Enforcer::resume(host_, entry.pids);
+    replacedPauses_.thawAll();
     const std::size_t previous = std::exchange(suspended_, {}).size();
     cooldown_.clear();
     persistence_.save(suspended_, Persistence::suspendedFile);
@@ -110,6 +114,7 @@ void GuardEngine::pruneSuspended()
                             [this](std::int32_t pid) { return Enforcer::isAlive(host_, pid); });
     };
     if (std::erase_if(suspended_, isGone) > 0) persistence_.save(suspended_, Persistence::suspendedFile);
+    replacedPauses_.prune(host_, suspended_);
 }
 
 void GuardEngine::recoverOrphansFromPreviousRun()

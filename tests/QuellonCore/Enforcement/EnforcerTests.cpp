@@ -12,13 +12,6 @@ using namespace std::chrono_literals;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-std::vector<std::int32_t> pids(const Enforcer::Processes& processes)
-{
-    std::vector<std::int32_t> result;
-    for (const auto& each : processes) result.push_back(each->pid());
-    return result;
-}
-
 /// 501 and 502 are the user's, 600 is somebody else's, 700 has ended.
 class EnforcerTest : public ::testing::Test {
 protected:
@@ -31,6 +24,13 @@ protected:
         world.process(502, {.start = "Sun Mar 15 09:00:01 2026"});
         world.process(600, {.start = "Sun Mar 15 08:00:00 2026", .denied = true});
         world.process(700, {.start = "Sun Mar 15 07:00:00 2026", .alive = false});
+    }
+
+    Enforcer::Processes processes(const std::vector<std::int32_t>& pids) const
+    {
+        Enforcer::Processes result;
+        for (const std::int32_t pid : pids) result.push_back(host.processes.reference(pid));
+        return result;
     }
 };
 
@@ -50,20 +50,21 @@ TEST_F(EnforcerTest, eachActionSendsItsSignalInOrder)
         world.process(501, {});
         world.process(502, {});
         world.clearSignals();
-        EXPECT_THAT(Enforcer::apply(host, c.action, {502, 501}), ElementsAre(502, 501));
+        EXPECT_THAT(Enforcer::pids(Enforcer::apply(host, c.action, {502, 501})), ElementsAre(502, 501));
         EXPECT_THAT(world.signals(), ElementsAre(SentSignal{502, c.signal, true}, SentSignal{501, c.signal, true}));
     }
 }
 
 TEST_F(EnforcerTest, warnSendsNothing)
 {
-    EXPECT_THAT(Enforcer::apply(host, EnforcementAction::warn, {501, 502}), IsEmpty());
+    EXPECT_THAT(Enforcer::pids(Enforcer::apply(host, EnforcementAction::warn, {501, 502})), IsEmpty());
     EXPECT_THAT(world.signals(), IsEmpty());
 }
 
 TEST_F(EnforcerTest, whoCannotBeReachedIsLeftOutAndTheOthersGoOn)
 {
-    EXPECT_THAT(Enforcer::apply(host, EnforcementAction::suspend, {501, 999, 700, 600, 502}), ElementsAre(501, 502));
+    EXPECT_THAT(Enforcer::pids(Enforcer::apply(host, EnforcementAction::suspend, {501, 999, 700, 600, 502})),
+                ElementsAre(501, 502));
     EXPECT_TRUE(world.process(501).stopped);
     EXPECT_FALSE(world.process(600).stopped);
     EXPECT_TRUE(world.process(502).stopped);
@@ -176,17 +177,18 @@ TEST_F(EnforcerTest, escalationTargets)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        EXPECT_EQ(pids(Enforcer::escalationTargets(host, c.pids, c.identities)), c.expected);
+        EXPECT_EQ(Enforcer::pids(Enforcer::escalationTargets(host, processes(c.pids), c.identities)), c.expected);
     }
     world.tool(ToolRole::startTime).fails();
-    EXPECT_THAT(Enforcer::escalationTargets(host, {501}, {"Sun Mar 15 09:00:00 2026"}), IsEmpty());
+    EXPECT_THAT(Enforcer::escalationTargets(host, processes({501}), {"Sun Mar 15 09:00:00 2026"}), IsEmpty());
 }
 
 TEST_F(EnforcerTest, escalationEndsAfterTheGraceThoseThatDidNotObey)
 {
     world.process(501).obeysTerminate = false;
-    const auto acted = Enforcer::apply(host, EnforcementAction::terminate, {501, 502});
-    Enforcer::scheduleTerminateEscalation(host, acted, {"Sun Mar 15 09:00:00 2026", "Sun Mar 15 09:00:01 2026"});
+    auto acted = Enforcer::apply(host, EnforcementAction::terminate, {501, 502});
+    Enforcer::scheduleTerminateEscalation(host, std::move(acted),
+                                          {"Sun Mar 15 09:00:00 2026", "Sun Mar 15 09:00:01 2026"});
     world.clearSignals();
     world.advance(4.999s);
     EXPECT_TRUE(world.process(501).alive);
@@ -198,10 +200,37 @@ TEST_F(EnforcerTest, escalationEndsAfterTheGraceThoseThatDidNotObey)
 
 TEST_F(EnforcerTest, escalationSparesAStrangerWithTheSameID)
 {
-    Enforcer::scheduleTerminateEscalation(host, {501}, {"Sun Mar 15 09:00:00 2026"});
+    Enforcer::scheduleTerminateEscalation(host, processes({501}), {"Sun Mar 15 09:00:00 2026"});
     world.process(501, {.start = "Sun Mar 15 10:00:02 2026"});
     world.advance(10s);
     EXPECT_THAT(world.signals(), IsEmpty());
+}
+
+TEST_F(EnforcerTest, escalationSparesAStrangerAlsoWhereNoStartTimeCouldBeRead)
+{
+    world.holdReferences();
+    auto acted = Enforcer::apply(host, EnforcementAction::terminate, {501});
+    Enforcer::scheduleTerminateEscalation(host, std::move(acted), {""});
+    world.process(501, {.start = "Sun Mar 15 10:00:02 2026"});
+    world.clearSignals();
+    world.advance(10s);
+    EXPECT_THAT(world.signals(), IsEmpty());
+    EXPECT_TRUE(world.process(501).alive);
+}
+
+TEST_F(EnforcerTest, aLifelineIsForAFreezeAlone)
+{
+    std::vector<std::vector<std::int32_t>> asked;
+    world.lifelines([&](const std::vector<std::int32_t>& pids) {
+        asked.push_back(pids);
+        return nullptr;
+    });
+    for (const auto action : {EnforcementAction::warn, EnforcementAction::terminate, EnforcementAction::kill}) {
+        EXPECT_EQ(Enforcer::lifeline(host, action, {501}), nullptr);
+    }
+    EXPECT_THAT(asked, IsEmpty());
+    EXPECT_EQ(Enforcer::lifeline(host, EnforcementAction::suspend, {502, 501}), nullptr);
+    EXPECT_THAT(asked, ElementsAre(ElementsAre(502, 501)));
 }
 
 TEST_F(EnforcerTest, escalationGoesThroughTheGivenScheduler)
@@ -214,7 +243,7 @@ TEST_F(EnforcerTest, escalationGoesThroughTheGivenScheduler)
     };
     Enforcer::scheduleTerminateEscalation(host, {}, {}, 5s, keep);
     EXPECT_THAT(delays, IsEmpty());
-    Enforcer::scheduleTerminateEscalation(host, {501}, {""}, 2.5s, keep);
+    Enforcer::scheduleTerminateEscalation(host, processes({501}), {""}, 2.5s, keep);
     EXPECT_THAT(delays, ElementsAre(2.5s));
     work();
     EXPECT_THAT(world.signals(), ElementsAre(SentSignal{501, ProcessSignal::kill, true}));

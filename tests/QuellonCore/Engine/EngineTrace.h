@@ -25,6 +25,7 @@ public:
     /// The lines since the last call.
     [[nodiscard]] std::vector<std::string> take() { return std::exchange(lines_, {}); }
 
+    void told(std::string line) { lines_.push_back(std::move(line)); }
     void notified(const NotificationPlan& plan) { lines_.push_back("notify: " + plan.title); }
     void appended(const GuardEvent& event)
     {

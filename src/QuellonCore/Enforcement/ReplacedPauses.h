@@ -1,0 +1,51 @@
+#pragma once
+
+#include "QuellonCore/Enforcement/SuspendedApp.h"
+#include "QuellonCore/Host/Host.h"
+#include "QuellonCore/Measurement/ProcessTable.h"
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quellon {
+
+/// The processes that are frozen still although the record of their freeze has gone, because a later one of the same
+/// application, of other processes, took its place. Nobody else knows of them. So each application's are held by a
+/// lifeline: they go on when the application does, and at the latest when the guard ends, in whatever way. Where no
+/// lifeline can be had nothing is kept, and the watchdog of the earlier freeze thaws them.
+class ReplacedPauses {
+public:
+    ReplacedPauses() = default;
+    ReplacedPauses(const ReplacedPauses&) = delete;
+    ReplacedPauses& operator=(const ReplacedPauses&) = delete;
+    /// Thaws all.
+    ~ReplacedPauses();
+
+    /// A freeze of `app` that reached `acted` is about to replace the app's entries in `suspended`: keeps those of
+    /// their processes, and of what was kept before, that it did not reach and that `table` still lists under the app's
+    /// label.
+    void keep(const Host& host, const std::string& app, const std::vector<SuspendedApp>& suspended,
+              const std::vector<std::int32_t>& acted, const ProcessTable::Entries& table);
+
+    /// Lets the application's processes go on, and forgets them.
+    void thaw(std::string_view app);
+    void thawAll();
+
+    /// Forgets the applications of which no process is alive, and thaws those that are in `suspended` no more: nobody
+    /// could ask for it.
+    void prune(const Host& host, const std::vector<SuspendedApp>& suspended);
+
+private:
+    struct Kept {
+        std::vector<std::int32_t> pids; ///< Ascending.
+        std::unique_ptr<Lifeline> lifeline;
+    };
+    std::map<std::string, Kept, std::less<>> byApp_;
+};
+
+} // namespace quellon
