@@ -6,6 +6,8 @@
 #include "ScriptedParts.h"
 #include "ScriptedRunLoop.h"
 
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -59,6 +61,7 @@ public:
     /// A process that signals and the queries for start and parent see. A second one with the same id replaces it.
     ScriptedProcess& process(std::int32_t pid, ScriptedProcess process)
     {
+        process.birth = ++processes_.births;
         return processes_.others.insert_or_assign(pid, std::move(process)).first->second;
     }
     /// The process with this id; there must be one.
@@ -70,6 +73,14 @@ public:
     [[nodiscard]] const std::vector<Command>& spawned() const { return processes_.spawned; }
     /// From now on detached children can be started, or can't.
     void canSpawn(bool can) { processes_.canSpawn = can; }
+    /// From now on references hold the process that had the id when they were made, as where the system can tell;
+    /// otherwise they go by the id.
+    void holdReferences() { processes_.holdsReferences = true; }
+    /// Who gives lifelines from now on; at first there are none.
+    void lifelines(std::function<std::unique_ptr<Lifeline>(const std::vector<std::int32_t>& pids)> make)
+    {
+        processes_.lifelines = std::move(make);
+    }
 
     /// A signal arrives. Who asked for it is called in the next `advance`; when nobody ever did, it ends the process.
     void raise(RunLoop::Signal signal);

@@ -58,12 +58,17 @@ namespace {
 
 class ScriptedReference final : public ProcessReference {
 public:
-    ScriptedReference(ScriptedProcesses& processes, std::int32_t pid) : ProcessReference{pid}, processes_{processes} {}
+    ScriptedReference(ScriptedProcesses& processes, std::int32_t pid) : ProcessReference{pid}, processes_{processes}
+    {
+        const auto found = processes_.others.find(pid);
+        if (processes_.holdsReferences && found != processes_.others.end()) birth_ = found->second.birth;
+    }
 
     [[nodiscard]] bool isAlive() const override
     {
         const auto found = processes_.others.find(pid());
-        return pid() > 0 && found != processes_.others.end() && found->second.alive;
+        return pid() > 0 && found != processes_.others.end() && found->second.alive &&
+               (!birth_ || found->second.birth == *birth_);
     }
     bool send(ProcessSignal signal) override
     {
@@ -93,6 +98,7 @@ private:
     }
 
     ScriptedProcesses& processes_;
+    std::optional<std::size_t> birth_; ///< Absent: whoever has the id is meant.
 };
 
 } // namespace
@@ -108,6 +114,11 @@ bool ScriptedProcesses::spawnDetached(const Command& command)
     spawned.push_back(command);
     if (observer_ != nullptr) observer_->spawned(command);
     return true;
+}
+
+std::unique_ptr<Lifeline> ScriptedProcesses::lifeline(const std::vector<std::int32_t>& pids)
+{
+    return lifelines ? lifelines(pids) : nullptr;
 }
 
 void ScriptedProcesses::noteSignal(const SentSignal& signal)

@@ -83,10 +83,11 @@ public:
 struct ScriptedProcess {
     std::string start; ///< What tells it from another process with its id; empty when that can't be read.
     std::optional<std::int32_t> parent{}; ///< Absent: who follows it in the guard's ancestry, else 1.
-    bool denied = false; ///< It is alive, and this user may not signal it.
+    bool denied = false;                  ///< It is alive, and this user may not signal it.
     bool alive = true;
     bool obeysTerminate = true; ///< SIGTERM ends it, also while it is stopped.
     bool stopped = false;
+    std::size_t birth = 0; ///< Differs between two that have one id in turn; set by `ScriptedHost::process`.
 };
 
 /// A signal that was sent.
@@ -107,6 +108,8 @@ public:
     [[nodiscard]] std::optional<ProcessMetrics> metrics() const override { return weight; }
     [[nodiscard]] std::unique_ptr<ProcessReference> reference(std::int32_t pid) override;
     [[nodiscard]] bool spawnDetached(const Command& command) override;
+    /// Null, unless `lifelines` gives one.
+    [[nodiscard]] std::unique_ptr<Lifeline> lifeline(const std::vector<std::int32_t>& pids) override;
     /// Keeps the first status. The caller goes on, unlike in a real process, but the run loop runs nothing more.
     void exit(int status) override;
     /// From now on told of signals and of detached children; null for nobody.
@@ -124,6 +127,9 @@ public:
     std::vector<SentSignal> signals;
     std::vector<Command> spawned; ///< The detached children. They never act.
     bool canSpawn = true;
+    bool holdsReferences = false; ///< A reference never reaches a process that took the id over; otherwise it does.
+    std::size_t births = 0;
+    std::function<std::unique_ptr<Lifeline>(const std::vector<std::int32_t>& pids)> lifelines;
     std::string name = "Quellon";
     std::map<std::string, std::string, std::less<>> variables;
     std::optional<ProcessMetrics> weight;

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quellon {
 
@@ -34,7 +35,8 @@ constexpr const auto& enumTable(ProcessSignal /*type*/)
 }
 
 /// The process that had an id at the moment when the reference was made. Where the system can tell, a stranger that
-/// takes the id over later is neither seen nor hit through it. Any thread, one at a time.
+/// takes the id over later is neither seen nor hit through it; elsewhere that holds from when it was seen to be gone.
+/// Any thread, one at a time.
 class ProcessReference {
 public:
     explicit ProcessReference(std::int32_t pid) : pid_{pid} {}
@@ -53,6 +55,19 @@ public:
 
 private:
     std::int32_t pid_;
+};
+
+/// While it is held: should this program die, by whatever cause, certain processes go on at once. To destroy it ends
+/// that, and sends nothing to anybody. Main thread.
+class Lifeline {
+public:
+    Lifeline() = default;
+    virtual ~Lifeline() = default;
+    Lifeline(const Lifeline&) = delete;
+    Lifeline& operator=(const Lifeline&) = delete;
+
+    /// Lets them go on now.
+    virtual void thaw() = 0;
 };
 
 /// Seam: what the system says of processes, the program's own first of all, and what can be done to them.
@@ -79,6 +94,10 @@ public:
     /// Starts a process that nobody waits for and that outlives this one, its terminal and its session: it leads a
     /// session of its own, and its three standard streams are the null device. False when it could not be started.
     [[nodiscard]] virtual bool spawnDetached(const Command& command) = 0;
+
+    /// A lifeline of these processes, in force when this returns. Ids of 0 and below are no processes. Null when there
+    /// is none, or nothing can be started that would outlive this program.
+    [[nodiscard]] virtual std::unique_ptr<Lifeline> lifeline(const std::vector<std::int32_t>& pids) = 0;
 
     /// Ends the process with this status at once, running no destructors of the main thread's stack.
     virtual void exit(int status) = 0;

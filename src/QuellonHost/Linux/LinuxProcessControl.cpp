@@ -1,6 +1,5 @@
 #include "QuellonHost/Linux/LinuxProcessControl.h"
 
-#include "QuellonHost/Linux/StopLifeline.h"
 #include "QuellonHost/Posix/Descriptor.h"
 
 #include <algorithm>
@@ -11,6 +10,7 @@
 #include <fstream>
 #include <initializer_list>
 #include <iterator>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <system_error>
 #include <unistd.h>
@@ -41,11 +41,7 @@ class HeldProcess final : public ProcessReference {
 public:
     HeldProcess(std::int32_t pid, Descriptor descriptor) : ProcessReference{pid}, descriptor_{std::move(descriptor)} {}
     [[nodiscard]] bool isAlive() const override { return deliver(0) || errno == EPERM; }
-    bool send(ProcessSignal signal) override
-    {
-        if (signal == ProcessSignal::stop) StopLifeline::tie(descriptor_.get());
-        return deliver(PosixProcessControl::systemNumber(signal));
-    }
+    bool send(ProcessSignal signal) override { return deliver(PosixProcessControl::systemNumber(signal)); }
 
 private:
     [[nodiscard]] bool deliver(int number) const
@@ -62,6 +58,29 @@ public:
     [[nodiscard]] bool isAlive() const override { return false; }
     bool send(ProcessSignal) override { return false; }
 };
+
+/// A process for which there was no descriptor to hold it by. Its number may become a stranger's, whom nothing but
+/// SIGCONT leaves unharmed; that always passes, for nobody must stay frozen because descriptors are short.
+class UnheldProcess final : public ProcessReference {
+public:
+    explicit UnheldProcess(std::unique_ptr<ProcessReference> numbered)
+        : ProcessReference{numbered->pid()}, numbered_{std::move(numbered)}
+    {
+    }
+    [[nodiscard]] bool isAlive() const override { return numbered_->isAlive(); }
+    bool send(ProcessSignal signal) override { return signal == ProcessSignal::continue_ && numbered_->send(signal); }
+
+private:
+    std::unique_ptr<ProcessReference> numbered_;
+};
+
+/// True for one of the last descriptors that this process may have: pipes and files need them more.
+bool isAmongTheLast(const Descriptor& descriptor)
+{
+    constexpr rlim_t reserve = 32;
+    rlimit limit{};
+    return getrlimit(RLIMIT_NOFILE, &limit) == 0 && static_cast<rlim_t>(descriptor.get()) + reserve >= limit.rlim_cur;
+}
 
 std::string content(const char* path)
 {
@@ -88,9 +107,12 @@ std::unique_ptr<ProcessReference> LinuxProcessControl::reference(std::int32_t pi
 {
     if (pid <= 0) return std::make_unique<NoProcess>(pid);
     Descriptor descriptor{static_cast<int>(syscall(SYS_pidfd_open, pid, 0))}; // closes itself on exec
-    if (descriptor) return std::make_unique<HeldProcess>(pid, std::move(descriptor));
-    if (errno == ESRCH) return std::make_unique<NoProcess>(pid);
-    return PosixProcessControl::reference(pid); // an older kernel, or one out of descriptors
+    const int error = descriptor ? 0 : errno;
+    if (error == ESRCH) return std::make_unique<NoProcess>(pid);
+    if (descriptor && !isAmongTheLast(descriptor)) return std::make_unique<HeldProcess>(pid, std::move(descriptor));
+    auto numbered = PosixProcessControl::reference(pid);
+    if (error == ENOSYS || error == EPERM) return numbered; // an older kernel, or a sandbox that refuses the call
+    return std::make_unique<UnheldProcess>(std::move(numbered));
 }
 
 std::optional<ProcessMetrics> LinuxProcessControl::metrics() const

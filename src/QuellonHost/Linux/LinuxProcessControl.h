@@ -15,8 +15,8 @@ public:
     /// memory included, or the resident memory where the kernel does not tell.
     [[nodiscard]] std::optional<ProcessMetrics> metrics() const override;
 
-    /// Holds the process by a descriptor (Linux 5.3), which a later owner of the id never gets; by its number where the
-    /// kernel gives none.
+    /// Holds the process by a descriptor (Linux 5.3), which a later owner of the id never gets; by its number on an
+    /// older kernel. When descriptors are short it is held by its number too, and takes SIGCONT only.
     [[nodiscard]] std::unique_ptr<ProcessReference> reference(std::int32_t pid) override;
 
     /// The same from the two texts. Absent when `status` lacks the resident memory or the threads.

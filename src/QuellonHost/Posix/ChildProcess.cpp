@@ -64,11 +64,13 @@ public:
                posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO) == 0 && openNull(STDERR_FILENO);
     }
 
-    /// A child in a session of its own, without streams.
-    [[nodiscard]] bool fillDetached()
+    /// A child in a session of its own, with this end of our pipe; an `input` below 0 leaves it without streams.
+    [[nodiscard]] bool fillDetached(int input)
     {
-        return setAttributes(POSIX_SPAWN_SETSID) && openNull(STDIN_FILENO) && openNull(STDOUT_FILENO) &&
-               openNull(STDERR_FILENO);
+        return setAttributes(POSIX_SPAWN_SETSID) &&
+               (input < 0 ? openNull(STDIN_FILENO)
+                          : posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO) == 0) &&
+               openNull(STDOUT_FILENO) && openNull(STDERR_FILENO);
     }
 
     posix_spawn_file_actions_t actions{};
@@ -131,13 +133,17 @@ std::optional<ChildProcess> ChildProcess::start(const Command& command, Options 
     return ChildProcess{*pid, std::move(output->readEnd), std::move(input->writeEnd)};
 }
 
-bool ChildProcess::startDetached(const Command& command)
+std::optional<ChildProcess> ChildProcess::startDetached(const Command& command, bool withInput)
 {
+    auto input = withInput ? makePipe() : Pipe{};
+    if (!input) return std::nullopt;
+    if (withInput) setNonBlocking(input->writeEnd);
+
     SpawnPlan plan;
-    if (!plan.fillDetached()) return false;
+    if (!plan.fillDetached(input->readEnd.get())) return std::nullopt;
     const auto pid = spawn(command, plan);
-    if (pid) leave(*pid);
-    return pid.has_value();
+    if (!pid) return std::nullopt;
+    return ChildProcess{*pid, {}, std::move(input->writeEnd)};
 }
 
 ChildProcess::ChildProcess(pid_t pid, Descriptor outputEnd, Descriptor inputEnd)

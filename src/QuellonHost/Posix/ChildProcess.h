@@ -9,7 +9,7 @@
 
 namespace quellon {
 
-/// A child whose standard output is a pipe to us and whose standard error is the null device. It inherits the
+/// A child whose standard output is a pipe to us or the null device, as is its standard error. It inherits the
 /// environment, the folder, and no descriptor but the standard ones; signals that we handle or ignore have their
 /// default effect on it. The path is not searched for.
 class ChildProcess {
@@ -22,9 +22,9 @@ public:
     /// Absent when it could not be started. Any thread.
     [[nodiscard]] static std::optional<ChildProcess> start(const Command& command, Options options);
 
-    /// Starts a child that leads a session of its own, with its three standard streams on the null device, and leaves
-    /// it to `reapLeftovers`. False when it could not be started. Any thread.
-    [[nodiscard]] static bool startDetached(const Command& command);
+    /// A child that leads a session of its own, with its standard streams on the null device, but for a standard input
+    /// that is a pipe from us with `withInput`. Absent when it could not be started. Any thread.
+    [[nodiscard]] static std::optional<ChildProcess> startDetached(const Command& command, bool withInput);
 
     ChildProcess(ChildProcess&& other) noexcept;
     ChildProcess& operator=(ChildProcess&& other) noexcept;
@@ -32,7 +32,7 @@ public:
     ~ChildProcess();
 
     [[nodiscard]] pid_t pid() const { return pid_; }
-    Descriptor output; ///< The reading end of its standard output.
+    Descriptor output; ///< The reading end of its standard output; empty when that is the null device.
     Descriptor input;  ///< The writing end of its standard input, non-blocking; empty without `withInput`.
 
     /// Sends SIGTERM and at once SIGKILL. Not after a successful `reap`.

@@ -1,6 +1,7 @@
 #include "QuellonHost/Posix/PosixProcessControl.h"
 
 #include "QuellonHost/Posix/ChildProcess.h"
+#include "QuellonHost/Posix/ShellLifeline.h"
 
 #include <cerrno>
 #include <csignal>
@@ -14,15 +15,23 @@ namespace quellon {
 
 namespace {
 
-/// A process by its number. 0 and negative numbers would mean groups of processes, so they never reach the system.
+/// A process by its number. 0 and negative numbers would mean groups of processes, so they never reach the system. Once
+/// it was seen to be gone it stays so, whoever has the number later.
 class NumberedProcess final : public ProcessReference {
 public:
     using ProcessReference::ProcessReference;
-    [[nodiscard]] bool isAlive() const override { return pid() > 0 && (::kill(pid(), 0) == 0 || errno == EPERM); }
-    bool send(ProcessSignal signal) override
+    [[nodiscard]] bool isAlive() const override { return deliver(0) || (!isGone_ && errno == EPERM); }
+    bool send(ProcessSignal signal) override { return deliver(PosixProcessControl::systemNumber(signal)); }
+
+private:
+    [[nodiscard]] bool deliver(int number) const
     {
-        return pid() > 0 && ::kill(pid(), PosixProcessControl::systemNumber(signal)) == 0;
+        if (isGone_) return false;
+        const bool isDelivered = ::kill(pid(), number) == 0;
+        isGone_ = !isDelivered && errno == ESRCH;
+        return isDelivered;
     }
+    mutable bool isGone_ = pid() <= 0;
 };
 
 } // namespace
@@ -72,7 +81,12 @@ std::unique_ptr<ProcessReference> PosixProcessControl::reference(std::int32_t pi
 bool PosixProcessControl::spawnDetached(const Command& command)
 {
     ChildProcess::reapLeftovers();
-    return ChildProcess::startDetached(command);
+    return ChildProcess::startDetached(command, false).has_value();
+}
+
+std::unique_ptr<Lifeline> PosixProcessControl::lifeline(const std::vector<std::int32_t>& pids)
+{
+    return ShellLifeline::start(pids);
 }
 
 void PosixProcessControl::exit(int status)

@@ -19,6 +19,7 @@ public:
     /// Goes by the number alone: POSIX has no other way to name a process.
     [[nodiscard]] std::unique_ptr<ProcessReference> reference(std::int32_t pid) override;
     [[nodiscard]] bool spawnDetached(const Command& command) override;
+    [[nodiscard]] std::unique_ptr<Lifeline> lifeline(const std::vector<std::int32_t>& pids) override;
     /// Flushes what is buffered for output and ends. Neither destructors nor `atexit` functions run, since background
     /// threads may still use what they would destroy.
     void exit(int status) override;

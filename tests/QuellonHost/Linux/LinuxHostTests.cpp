@@ -2,13 +2,17 @@
 #include "QuellonHost/Support/TemporaryFolder.h"
 
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 namespace quellon {
@@ -52,6 +56,57 @@ TEST(LinuxProcessControl, aDetachedChildThatCannotBeStarted)
 {
     LinuxProcessControl control;
     EXPECT_FALSE(control.spawnDetached({"/no/such/program", {}}));
+}
+
+/// As many descriptors as are open now and so many more, until it goes.
+class FewDescriptors {
+public:
+    explicit FewDescriptors(rlim_t more)
+    {
+        getrlimit(RLIMIT_NOFILE, &before_);
+        const int next = dup(STDIN_FILENO);
+        close(next);
+        rlimit few = before_;
+        few.rlim_cur = static_cast<rlim_t>(next) + more;
+        setrlimit(RLIMIT_NOFILE, &few);
+    }
+    FewDescriptors(const FewDescriptors&) = delete;
+    FewDescriptors& operator=(const FewDescriptors&) = delete;
+    ~FewDescriptors() { setrlimit(RLIMIT_NOFILE, &before_); }
+
+private:
+    rlimit before_{};
+};
+
+TEST(LinuxProcessControl, withoutADescriptorForItAProcessCanOnlyBeThawed)
+{
+    const pid_t child = fork();
+    while (child == 0) pause();
+    int status = 0;
+    LinuxProcessControl control;
+    for (const rlim_t left : {0U, 20U}) { // none, and so few that pipes and files need them more
+        SCOPED_TRACE(left);
+        const auto process = [&] {
+            const FewDescriptors few{left};
+            return control.reference(child);
+        }();
+        EXPECT_EQ(process->pid(), child);
+        EXPECT_TRUE(process->isAlive());
+        for (const auto signal : {ProcessSignal::stop, ProcessSignal::terminate, ProcessSignal::kill}) {
+            EXPECT_FALSE(process->send(signal));
+        }
+        EXPECT_EQ(waitpid(child, &status, WNOHANG | WUNTRACED), 0) << "nothing has reached it";
+        ::kill(child, SIGSTOP);
+        EXPECT_EQ(waitpid(child, &status, WUNTRACED), child);
+        EXPECT_TRUE(process->send(ProcessSignal::continue_));
+        EXPECT_EQ(waitpid(child, &status, WCONTINUED), child);
+        EXPECT_TRUE(WIFCONTINUED(status));
+    }
+    const auto process = control.reference(child);
+    EXPECT_TRUE(process->send(ProcessSignal::kill)) << "with enough of them";
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    const FewDescriptors few{0};
+    EXPECT_FALSE(control.reference(child)->send(ProcessSignal::continue_)) << "it has ended";
 }
 
 TEST(LinuxProcessControl, metricsFromTheTexts)
