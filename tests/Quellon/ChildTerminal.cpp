@@ -54,7 +54,7 @@ ChildTerminal::ChildTerminal(const Setup& setup)
     const winsize size{setup.height, setup.width, 0, 0};
     ioctl(slave_, TIOCSWINSZ, &size);
     tcgetattr(slave_, &before_);
-    std::vector<std::string> words{QUELLON_PROGRAM};
+    std::vector<std::string> words{setup.program};
     words.insert(words.end(), setup.arguments.begin(), setup.arguments.end());
     std::vector<std::string> variables = environment(setup);
     const auto arguments = pointers(words);
@@ -64,8 +64,10 @@ ChildTerminal::ChildTerminal(const Setup& setup)
     setsid();
     ioctl(slave_, TIOCSCTTY, 0);
     for (int number = 0; number < 3; ++number) dup2(slave_, number);
+    if (setup.output >= 0) dup2(setup.output, STDOUT_FILENO);
+    for (const int each : setup.ignored) (void)std::signal(each, SIG_IGN);
     if (chdir("/") != 0) _exit(127);
-    execve(QUELLON_PROGRAM, arguments.data(), environmentPointers.data());
+    execve(setup.program.c_str(), arguments.data(), environmentPointers.data());
     _exit(127);
 }
 
@@ -75,8 +77,8 @@ ChildTerminal::~ChildTerminal()
         kill(child_, SIGKILL);
         waitpid(child_, nullptr, 0);
     }
-    close(slave_);
-    close(master_);
+    ::close(slave_);
+    close();
 }
 
 bool ChildTerminal::readSome(int milliseconds)
@@ -92,13 +94,19 @@ bool ChildTerminal::readSome(int milliseconds)
 
 bool ChildTerminal::waitFor(std::string_view text)
 {
+    return waitUntil([&] {
+        const auto found = screen_.find(text, seen_);
+        if (found == std::string::npos) return false;
+        seen_ = found + text.size();
+        return true;
+    });
+}
+
+bool ChildTerminal::waitUntil(const std::function<bool()>& holds)
+{
     const auto deadline = Clock::now() + patience;
     while (Clock::now() < deadline) {
-        const auto found = screen_.find(text, seen_);
-        if (found != std::string::npos) {
-            seen_ = found + text.size();
-            return true;
-        }
+        if (holds()) return true;
         readSome(50);
     }
     return false;
@@ -118,6 +126,12 @@ void ChildTerminal::resize(unsigned short width, unsigned short height)
 void ChildTerminal::signal(int number)
 {
     kill(child_, number);
+}
+
+void ChildTerminal::close()
+{
+    if (master_ >= 0) ::close(master_);
+    master_ = -1;
 }
 
 std::optional<int> ChildTerminal::wait()

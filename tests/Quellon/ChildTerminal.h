@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,6 +20,9 @@ public:
         std::vector<std::pair<std::string, std::optional<std::string>>> environment = {};
         unsigned short width = 80;
         unsigned short height = 24;
+        std::string program = QUELLON_PROGRAM;
+        std::vector<int> ignored = {}; ///< Signals that are ignored when the program begins.
+        int output = -1;               ///< Instead of the screen, when it is a descriptor.
     };
 
     explicit ChildTerminal(const Setup& setup);
@@ -29,10 +33,14 @@ public:
 
     /// Reads the screen until `text` has come since the last call. False when it did not within 20 seconds.
     [[nodiscard]] bool waitFor(std::string_view text);
+    /// Reads the screen until `holds` does. False when it did not within 20 seconds.
+    [[nodiscard]] bool waitUntil(const std::function<bool()>& holds);
     /// Presses keys.
     void type(std::string_view keys);
     void resize(unsigned short width, unsigned short height);
     void signal(int number);
+    /// Closes the window: keys and screen are gone.
+    void close();
 
     /// Waits for the end of the program: its exit status, or 128 and the number of the signal that ended it; absent
     /// when it did not end within 20 seconds.

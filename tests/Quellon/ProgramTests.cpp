@@ -98,28 +98,6 @@ TEST(Program, plainLinesEndWithSIGTERM)
     EXPECT_TRUE(terminal.isRestored());
 }
 
-TEST(Program, everyEndThawsWhatIsFrozen)
-{
-    // Thawing saves the list of what is frozen, also an empty one. No other part of the program writes it unasked.
-    struct Case {
-        const char* name;
-        const char* command;
-    };
-    constexpr Case cases[] = {
-        {"the ordinary end", "\"$PROGRAM\" --plain --duration 1 >/dev/null"},
-        {"SIGTERM", "\"$PROGRAM\" --plain >line & until [ -s line ]; do sleep 0.01; done; kill -TERM $!; wait $!"},
-        {"SIGINT", "\"$PROGRAM\" --plain >line & until [ -s line ]; do sleep 0.01; done; kill -INT $!; wait $!"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        const Ending run =
-            shell("FOLDER=$(mktemp -d) && cd \"$FOLDER\" && export QUELLON_STATE_DIR=\"$FOLDER/state\" && { " +
-                  std::string{c.command} + "; STATUS=$?; cat state/suspended.json; rm -r \"$FOLDER\"; exit $STATUS; }");
-        EXPECT_EQ(run.status, 0);
-        EXPECT_EQ(run.output, "[]");
-    }
-}
-
 TEST(Terminal, q)
 {
     ChildTerminal terminal{{{"--terminal"}}};
