@@ -71,9 +71,9 @@ void NoticeCard::arrange()
     inner->setSpacing(8);
     auto* const head = new QHBoxLayout;
     head->setSpacing(8);
-    head->addWidget(dot_, 0, Qt::AlignTop);
+    head->addWidget(dot_);
     head->addWidget(title_, 1);
-    head->addWidget(place_, 0, Qt::AlignTop);
+    head->addWidget(place_);
     head->addWidget(dismiss_, 0, Qt::AlignTop);
     inner->addLayout(head);
     inner->addWidget(text_);

@@ -252,6 +252,22 @@ TEST_F(WindowControlsTest, accessibilityTree)
                                                "Show details", "Resume all", "Resume cloud-sync"}));
 }
 
+/// What the README shows beside the overview: a runaway that was frozen.
+OverviewModel frozenPicture()
+{
+    OverviewModel model = overview(0, 0);
+    model.counters = "↓ 402.1 MB  ↑ 9.4 MB";
+    model.rows = {{"cloud-sync", "61.3 MB", "61.3 MB", 0.817, "82%"}, {"firefox", "9.8 MB", "9.8 MB", 0.131, "13%"}};
+    const auto add = [&model](const char* time, GuardEvent::Kind kind, const char* message) {
+        UUID id;
+        id.bytes[0] = static_cast<std::uint8_t>(model.log.size());
+        model.log.push_back({id, time, kind, message});
+    };
+    add("14:05:25", GuardEvent::Kind::enforced, "cloud-sync used 61.3 MB in 1min → 暂停（可恢复）");
+    add("14:03:10", GuardEvent::Kind::info, "📶 wlan0 · gateway 172.20.10.1 (hotspot range)");
+    return model;
+}
+
 TEST(ControlsPictures, lightAndDark)
 {
     // With a folder in QUELLON_PICTURES, the pictures are left there.
@@ -259,9 +275,10 @@ TEST(ControlsPictures, lightAndDark)
     for (const bool dark : {false, true}) {
         QApplication::setPalette(QPalette{dark ? QColor{0x20, 0x20, 0x20} : QColor{0xef, 0xef, 0xef}});
         OverviewWindow window;
-        window.setModel(overview());
+        window.setModel(frozenPicture());
         auto model = controlled(1);
-        model.questionPlace = "1 of 2";
+        model.question = pausedNotice();
+        model.paused[0].since = "just now";
         window.setControls(model);
         window.show();
         letItBeDrawn();
@@ -275,8 +292,8 @@ TEST(ControlsPictures, lightAndDark)
         }
         EXPECT_GT(accent, 10000) << "the primary button";
         if (!folder.isEmpty()) {
-            EXPECT_TRUE(image.save(QDir{folder}.filePath(dark ? QStringLiteral("controls-dark.png")
-                                                              : QStringLiteral("controls-light.png"))));
+            EXPECT_TRUE(image.save(QDir{folder}.filePath(dark ? QStringLiteral("window-asks-dark.png")
+                                                              : QStringLiteral("window-asks-light.png"))));
         }
     }
 }
