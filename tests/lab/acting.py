@@ -19,7 +19,6 @@ from scene import program, url
 
 STATE = os.environ["QUELLON_STATE_DIR"]
 TEMPORARY = os.environ["TMPDIR"]
-SUSPENDED = os.path.join(STATE, "suspended.json")
 RULE = {"id": "0B0E5A52-7D3C-4E0C-9E57-3A2B6C1D4F01", "windowSeconds": 60, "thresholdBytes": 1_000_000,
         "level": "enforce", "enabled": True}
 
@@ -37,10 +36,10 @@ def save_settings(folder: str = STATE, threshold: int = RULE["thresholdBytes"], 
         json.dump(settings, file)
 
 
-def suspended() -> list:
+def suspended(folder: str = STATE) -> list:
     """The list of what is frozen as it is saved; None where there is no such file."""
     try:
-        with open(SUSPENDED, encoding="utf-8") as file:
+        with open(os.path.join(folder, "suspended.json"), encoding="utf-8") as file:
             return json.load(file)
     except FileNotFoundError:
         return None
@@ -62,14 +61,6 @@ def state(process: int) -> str:
     return (stat_of(process) or [""])[0]
 
 
-def name_of(process: int) -> str:
-    """The name of the executable; empty where it can't be seen."""
-    try:
-        return os.path.basename(os.readlink(f"/proc/{process}/exe"))
-    except OSError:
-        return ""
-
-
 def is_frozen(process: int) -> bool:
     return state(process) == "T"
 
@@ -77,6 +68,20 @@ def is_frozen(process: int) -> bool:
 def all_frozen() -> list:
     """The ids of all stopped processes of the lab."""
     return sorted(process for process in labs.processes() if is_frozen(process))
+
+
+def thawing_shells(process: int) -> dict:
+    """The shells that will thaw the process, the script of each by its id."""
+    found = {}
+    for candidate in labs.processes():
+        try:
+            with open(f"/proc/{candidate}/cmdline", encoding="utf-8", errors="replace") as file:
+                words = file.read().split("\0")
+        except OSError:
+            continue
+        if words[:2] == ["/bin/sh", "-c"] and f"kill -CONT {process} " in words[2]:
+            found[candidate] = words[2]
+    return found
 
 
 def program_from(executable: str, name: str) -> str:
@@ -176,12 +181,6 @@ class Guard:
         """The first line with `text`."""
         self.wait_for(lambda: text in self.output and "\n" in self.output.partition(text)[2], f"the guard's \"{text}\"")
         return next(line for line in self.output.splitlines() if text in line)
-
-    def wait_for_lifelines(self):
-        """Waits until the guard's death no longer thaws what it has just frozen, but only the next start does."""
-        def are_gone():
-            return not any(name_of(process) == "Quellon" for process in labs.processes() if process != self.process.pid)
-        self.wait_for(are_gone, "the end of the lifelines")
 
     def wait_for_rounds(self, count: int):
         rounds = self.rounds() + count

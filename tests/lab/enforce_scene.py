@@ -185,7 +185,7 @@ def family(folder: str) -> dict:
             guard.wait_for(all_stopped, "all of them frozen", 90)
             lines = guard.lines()
             seen = {"children": len(children), "parent": state(process.pid), "guard": guard.end()}
-            seen["frozen"] = [child for child in children if is_frozen(child)]
+            seen["states"] = {child: state(child) for child in children}
         finally:
             for child in children:
                 os.kill(child, signal.SIGKILL)

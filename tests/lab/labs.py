@@ -41,11 +41,11 @@ class SceneCase(unittest.TestCase):
             raise unittest.SkipTest(reason)
 
     @classmethod
-    def play(cls, scene: str) -> dict:
-        """What the scene saw of the programs under test."""
+    def play(cls, scene: str, timeout: int = 200) -> dict:
+        """What the scene saw of the programs under test, in so many seconds at most."""
         folder = os.path.dirname(os.environ["QUELLON"])
         script = os.path.join(REPOSITORY, "tests", "lab", cls.script)
-        done = run([LAB, "--reach", folder, script, scene, folder], timeout=200)
+        done = run([LAB, "--reach", folder, script, scene, folder], timeout=timeout)
         if done.returncode != 0:
             raise AssertionError(done.stderr)
         return json.loads(done.stdout)

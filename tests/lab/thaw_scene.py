@@ -19,11 +19,24 @@ import labs
 from acting import ONCE, ONCE_THRESHOLD, Guard, downloading, save_settings, state, suspended
 
 MEGABYTES = 1_000_000
+SECONDS_TO_2001 = 978_307_200
 EARLIER_START = "an earlier process of this number"
 
 
+def is_watchdog(script: str) -> bool:
+    return script.startswith("sleep ")
+
+
 def is_recorded(download) -> bool:
-    return download.is_frozen() and bool(suspended())
+    """Frozen, and no lifeline is left that would thaw it at the guard's death: that is the next start's from now on."""
+    if not download.is_frozen() or download.pid not in listed():
+        return False
+    return all(map(is_watchdog, acting.thawing_shells(download.pid).values()))
+
+
+def listed() -> set:
+    """The processes that are on the list of what is frozen."""
+    return {pid for entry in suspended() or [] for pid in entry["pids"]}
 
 
 def ended_by(folder: str, number: int, *options: str) -> dict:
@@ -56,7 +69,6 @@ def recovery(folder: str) -> dict:
         first.baseline()
         with downloading(*ONCE) as download:
             first.wait_for(lambda: is_recorded(download), "a frozen download")
-            first.wait_for_lifelines()
             seen = {"killed": first.end(signal.SIGKILL), "state": state(download.pid)}
             # No rule that could be crossed any more: what is thawed stays so.
             save_settings(threshold=10**12)
@@ -67,16 +79,44 @@ def recovery(folder: str) -> dict:
 
 
 def watchdog_of(process: int) -> int:
-    """The id of the shell that will thaw the process; 0: there is none."""
-    for candidate in labs.processes():
-        try:
-            with open(f"/proc/{candidate}/cmdline", "rb") as file:
-                words = file.read().split(b"\0")
-        except OSError:
-            continue
-        if words[:2] == [b"/bin/sh", b"-c"] and f"kill -CONT {process} ".encode() in words[2]:
-            return candidate
-    return 0
+    """The id of the shell that will thaw the process after a while; 0: there is none."""
+    shells = acting.thawing_shells(process)
+    return next((shell for shell, script in shells.items() if is_watchdog(script)), 0)
+
+
+def two_freezes(folder: str, number: int) -> dict:
+    """An application of two processes, the second of which is frozen alone, long after the first: only that one is on
+    the list then. Then the guard ends. What is frozen still is recovered by another one, and both go on to their end.
+    """
+    def rule(threshold: int) -> list:
+        return [acting.RULE | {"windowSeconds": 5, "thresholdBytes": threshold}]
+
+    save_settings(rules=rule(ONCE_THRESHOLD))
+    with Guard(folder) as guard:
+        guard.baseline()
+        with downloading(*ONCE) as first:
+            guard.wait_for(lambda: is_recorded(first), "a frozen download")
+            # Until what its connection still took in is out of the rule's window.
+            guard.wait_for_rounds(15)
+            with downloading(*ONCE) as second:
+                guard.wait_for(lambda: is_recorded(second), "another frozen download")
+                seen = {"both": [first.is_frozen(), second.is_frozen()], "listed alone": listed() == {second.pid},
+                        "guard": guard.end(number)}
+                labs.wait_until(lambda: not first.is_frozen(), "the first one going on")
+                seen["second"] = state(second.pid)
+                save_settings(threshold=10**12)
+                with Guard(folder) as next_one:
+                    next_one.baseline()
+                    seen["recovered"] = "Recovered from" in next_one.output
+                    return seen | {"downloads": [first.finish(), second.finish()], "left": suspended()}
+
+
+def two_freezes_terminated(folder: str) -> dict:
+    return two_freezes(folder, signal.SIGTERM)
+
+
+def two_freezes_killed(folder: str) -> dict:
+    return two_freezes(folder, signal.SIGKILL)
 
 
 def watchdog(folder: str) -> dict:
@@ -91,7 +131,6 @@ def watchdog(folder: str) -> dict:
             frozen_at = time.monotonic()
             process = watchdog_of(download.pid)
             fields = acting.stat_of(process)
-            guard.wait_for_lifelines()
             seen = {"delay": delay, "session": int(fields[3]) == process, "terminal": int(fields[4]),
                     "streams": [os.readlink(f"/proc/{process}/fd/{stream}") for stream in range(3)]}
             guard.process.kill()
@@ -152,32 +191,40 @@ def forge(bystander: int):
     """Adds the bystander to the list of what is frozen, as a process that has since made room for another."""
     entries = (suspended() or []) + [{"app": "bystander", "pids": [bystander], "starts": [EARLIER_START],
                                       "bytes": 1, "at": 795261600.25}]
-    with open(acting.SUSPENDED, "w", encoding="utf-8") as file:
+    with open(os.path.join(acting.STATE, "suspended.json"), "w", encoding="utf-8") as file:
         json.dump(entries, file)
 
 
+def save_long_history(folder: str):
+    """A history that takes the guard long to save; it does so between a freeze and the list of what is frozen."""
+    record = {"app": "-", "bytes": 0, "at": int(time.time()) - SECONDS_TO_2001}
+    with open(os.path.join(folder, "enforcement-history.json"), "w", encoding="utf-8") as file:
+        # Nearly as large as a file may be.
+        json.dump({"records": [record] * 190_000}, file, separators=(",", ":"))
+
+
 def killed_at_once(folder: str) -> dict:
-    """Killed as soon as something is frozen, often before that is on record; nobody starts another guard."""
+    """Killed as soon as something is frozen, before that is on record; nobody starts another guard."""
     seen = {"rounds": 0, "frozen": 0, "unlisted": 0, "stayed": 0}
-    save_settings(threshold=20_000, sampleInterval=0.2)
+    place = os.path.join(acting.TEMPORARY, "state")  # on a disk with more room
+    save_settings(place, threshold=20_000, sampleInterval=0.2)
+    save_long_history(place)
     with downloading("photo-backup", 10**12, 200_000) as download:
-        for _ in range(20):
-            with Guard(folder) as guard:
+        for _ in range(10):
+            with Guard(folder, state_folder=place) as guard:
                 deadline = time.monotonic() + 60
                 while not download.is_frozen() and time.monotonic() < deadline:
                     pass
                 guard.process.kill()
                 seen["frozen"] += time.monotonic() < deadline
                 guard.process.wait()
-            seen["unlisted"] += not suspended()
+            seen["unlisted"] += not suspended(place)
             try:
                 labs.wait_until(lambda: not download.is_frozen(), "a thawed download", 10)
             except AssertionError:
                 seen["stayed"] += 1
                 os.kill(download.pid, signal.SIGCONT)
             seen["rounds"] += 1
-            if suspended():
-                os.remove(acting.SUSPENDED)
     return seen
 
 
@@ -191,27 +238,39 @@ def time_to_freeze(folder: str, programs: list) -> float:
 
 
 def killed_at_random(folder: str) -> dict:
-    """Killed 200 times, at any moment from its first instruction to after its first freeze."""
+    """Killed 200 times, at any moment from its first instruction to after its first freeze. Before the next start
+    whatever is frozen is on the list.
+    """
     chance = random.Random(20)
     save_settings(threshold=20_000, sampleInterval=0.2)
     bystander = subprocess.Popen([sys.executable, "-c", BYSTANDER], stdout=subprocess.PIPE, text=True)
     bystander.stdout.readline()
-    seen = {"rounds": 0, "frozen": 0, "recovered": 0}
+    seen = {"rounds": 0, "frozen": 0, "thawed": 0, "unknown": []}
     begun = time.monotonic()
     with contextlib.ExitStack() as stack:
         names = ("photo-backup", "radio", "radio")
         programs = [stack.enter_context(downloading(name, 10**12, 200_000)) for name in names]
-        ids = {each.pid for each in programs}
         longest = 1.5 * min(time_to_freeze(folder, programs) for _ in range(3))
-        for _ in range(200):
+
+        def frozen() -> set:
+            return {each.pid for each in programs if each.is_frozen()}
+        before = frozen()
+        for number in range(200):
             forge(bystander.pid)
             with Guard(folder) as guard:
                 time.sleep(chance.uniform(0, longest))  # nothing is waited for: the moment is what this is about
                 guard.end(signal.SIGKILL)
-                seen["recovered"] += "Recovered from" in guard.output
-            listed = {pid for entry in decoded().get("suspended.json", []) for pid in entry["pids"]}
+            decoded()
+            # The lifelines take a moment.
+            with contextlib.suppress(AssertionError):
+                labs.wait_until(lambda: frozen() <= listed(), "an end of what nobody knows of", 10)
+            after = frozen()
+            if after - listed():
+                seen["unknown"].append([number, sorted(after - listed())])
+            seen["thawed"] += bool(before - after) and "Recovered from" in guard.output
+            seen["frozen"] += bool(after)
             seen["rounds"] += 1
-            seen["frozen"] += bool(listed & ids)
+            before = after
         seen["seconds"] = time.monotonic() - begun
         forge(bystander.pid)
         save_settings(threshold=10**12, sampleInterval=0.2)
@@ -227,4 +286,5 @@ def killed_at_random(folder: str) -> dict:
 
 
 if __name__ == "__main__":
-    acting.play([duration, terminated, interrupted, recovery, watchdog, private_files, killed_at_once, killed_at_random])
+    acting.play([duration, terminated, interrupted, recovery, two_freezes_terminated, two_freezes_killed, watchdog,
+                 private_files, killed_at_once, killed_at_random])
