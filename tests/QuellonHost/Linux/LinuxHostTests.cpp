@@ -84,12 +84,13 @@ TEST(LinuxProcessControl, withoutADescriptorForItAProcessCanOnlyBeThawed)
     while (child == 0) pause();
     int status = 0;
     LinuxProcessControl control;
-    for (const rlim_t left : {0U, 20U}) { // none, and so few that pipes and files need them more
+    const auto referenceWith = [&](rlim_t descriptors) {
+        const FewDescriptors few{descriptors};
+        return control.reference(child);
+    };
+    for (const rlim_t left : {20U, 0U}) { // so few that pipes and files need them more, and none
         SCOPED_TRACE(left);
-        const auto process = [&] {
-            const FewDescriptors few{left};
-            return control.reference(child);
-        }();
+        const auto process = referenceWith(left);
         EXPECT_EQ(process->pid(), child);
         EXPECT_TRUE(process->isAlive());
         for (const auto signal : {ProcessSignal::stop, ProcessSignal::terminate, ProcessSignal::kill}) {
@@ -105,8 +106,7 @@ TEST(LinuxProcessControl, withoutADescriptorForItAProcessCanOnlyBeThawed)
     const auto process = control.reference(child);
     EXPECT_TRUE(process->send(ProcessSignal::kill)) << "with enough of them";
     EXPECT_EQ(waitpid(child, &status, 0), child);
-    const FewDescriptors few{0};
-    EXPECT_FALSE(control.reference(child)->send(ProcessSignal::continue_)) << "it has ended";
+    EXPECT_FALSE(referenceWith(0)->send(ProcessSignal::continue_)) << "it has ended";
 }
 
 TEST(LinuxProcessControl, metricsFromTheTexts)

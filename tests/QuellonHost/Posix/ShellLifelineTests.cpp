@@ -147,12 +147,15 @@ TEST_F(LifelineTest, ofNobodyThereIsNone)
 
 TEST_F(LifelineTest, whereNothingCanBeStartedThereIsNone)
 {
+    ProcessControl& control = processes;
+    const std::vector<std::int32_t> pids = both;
+    ASSERT_NE(control.lifeline(pids), nullptr);
     rlimit before{};
     ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
     rlimit none = before;
     none.rlim_cur = 0; // not even a pipe
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
-    const auto lifeline = processes.lifeline(both);
+    const auto lifeline = control.lifeline(pids);
     ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
     EXPECT_EQ(lifeline, nullptr);
 }
