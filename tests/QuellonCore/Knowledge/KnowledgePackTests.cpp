@@ -379,6 +379,7 @@ TEST(KnowledgePack, isBuiltOnceForAllThreads)
 {
     std::vector<const ExplanationMap*> seen(4);
     std::vector<std::thread> threads;
+    threads.reserve(seen.size());
     for (auto& each : seen) threads.emplace_back([&each] { each = &KnowledgePack::entries(); });
     for (auto& each : threads) each.join();
     EXPECT_EQ(seen, std::vector(seen.size(), &KnowledgePack::entries()));
