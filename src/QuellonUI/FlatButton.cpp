@@ -22,6 +22,8 @@ FlatButton::FlatButton(QWidget* parent) : QPushButton(parent)
 {
     setFont(Fonts::caption());
     setAttribute(Qt::WA_Hover);
+    // A click leaves the focus where it is: the button may go with it, and the focus would pass to whatever is next.
+    setFocusPolicy(Qt::TabFocus);
     // The style's own size would leave room for a frame.
     setStyleSheet(QStringLiteral("padding: %1px %2px; border: 0; min-width: 0").arg(topPadding).arg(sidePadding));
 }

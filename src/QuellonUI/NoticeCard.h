@@ -6,6 +6,7 @@
 #include "QuellonUI/StatusDot.h"
 #include "QuellonUI/TextLabel.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>

@@ -11,6 +11,9 @@
 #include <QListView>
 #include <QWidget>
 
+#include <cstddef>
+#include <string>
+
 class QVBoxLayout;
 
 namespace quellon {

@@ -4,6 +4,7 @@
 #include "QuellonUI/FlatButton.h"
 #include "QuellonUI/TextLabel.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
