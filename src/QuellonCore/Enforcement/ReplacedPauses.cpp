@@ -53,13 +53,16 @@ void ReplacedPauses::thawAll()
 
 void ReplacedPauses::prune(const Host& host, const std::vector<SuspendedApp>& suspended)
 {
+    const auto isPaused = [&](const std::string& app) {
+        return std::any_of(suspended.begin(), suspended.end(),
+                           [&](const SuspendedApp& entry) { return entry.app == app; });
+    };
+    const auto isAlive = [&](std::int32_t pid) { return Enforcer::isAlive(host, pid); };
     std::erase_if(byApp_, [&](const auto& each) {
-        const auto& [app, kept] = each;
-        const bool isPaused = std::any_of(suspended.begin(), suspended.end(),
-                                          [&](const SuspendedApp& entry) { return entry.app == app; });
-        if (!isPaused) kept.lifeline->thaw();
-        return !isPaused || std::none_of(kept.pids.begin(), kept.pids.end(),
-                                         [&](std::int32_t pid) { return Enforcer::isAlive(host, pid); });
+        const Kept& kept = each.second;
+        const bool isForgotten = !isPaused(each.first);
+        if (isForgotten) kept.lifeline->thaw();
+        return isForgotten || std::none_of(kept.pids.begin(), kept.pids.end(), isAlive);
     });
 }
 
