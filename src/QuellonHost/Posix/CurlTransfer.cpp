@@ -58,10 +58,9 @@ CurlTransfer::CurlTransfer(std::uint64_t number, HttpRequest request, const Curl
 std::optional<HttpResponse> CurlTransfer::response(CURLcode code)
 {
     if (code != CURLE_OK && !isOverLimit()) return std::nullopt;
+    if (!isHeadWhole_) return std::nullopt; // libcurl is content with headers that break off
     long status = 0;
     curl_easy_getinfo(handle_.get(), CURLINFO_RESPONSE_CODE, &status);
-    // libcurl is content with headers that break off, and with a word that comes before the reply.
-    if (!isHeadWhole_ || status < 200) return std::nullopt;
     return HttpResponse{static_cast<int>(status), std::move(body_)};
 }
 

@@ -76,7 +76,7 @@ TEST_F(CurlHttpClientWire, requestIsWhatItSaysAndNothingElse)
 {
     const std::string userAgent = "User-Agent: Quellon/1.2.0 (macOS 14.5.0)";
     const std::string url = server().url("/v1/explain");
-    const std::string big(200'000, 'x');
+    const std::string big(1'100'000, 'x');
     struct Case {
         const char* name;
         HttpRequest request;
@@ -101,7 +101,7 @@ TEST_F(CurlHttpClientWire, requestIsWhatItSaysAndNothingElse)
         {"a long POST, without asking first",
          post(url, big),
          {"POST /v1/explain HTTP/1.1",
-          {"Content-Length: 200000", "Content-Type: application/json", hostHeader(), userAgent},
+          {"Content-Length: 1100000", "Content-Type: application/json", hostHeader(), userAgent},
           big}},
         {"a POST without headers",
          {"POST", url, {}, "a=b", Seconds{10}, 65'536},
