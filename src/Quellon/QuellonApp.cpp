@@ -1,11 +1,15 @@
 #include "Quellon/QuellonApp.h"
 
 #include "Quellon/AppDelegate.h"
+#include "QuellonCore/Diagnostics/NetworkLog.h"
+#include "QuellonCore/Engine/OnlineContexts.h"
 #include "QuellonTerminal/PlainView.h"
 #include "QuellonTerminal/TerminalView.h"
 
 #include <cstdio>
 #include <memory>
+#include <string>
+#include <string_view>
 #include <unistd.h>
 #include <utility>
 
@@ -19,9 +23,13 @@ bool wantsColours(const ProcessControl& processes)
     return processes.environment("NO_COLOR").value_or("").empty();
 }
 
-GuardEngine::Options engineOptions(NotificationFeed& notifications, const ProgramOptions& asked)
+GuardEngine::Options engineOptions(const Host& host, NotificationFeed& notifications, const ProgramOptions& asked)
 {
+    constexpr std::string_view version = QUELLON_VERSION;
+    const std::string system = SystemHost::systemVersion();
     GuardEngine::Options options;
+    options.updateCheck = OnlineContexts::updateCheckContext(host, version, system, NetworkLog::shared());
+    options.explain = OnlineContexts::explainContext(host, version, system, NetworkLog::shared());
     options.autoResumeSeconds = asked.autoResumeSeconds;
     options.notifier = [&notifications](const NotificationPlan& plan) { notifications.deliver(plan); };
     return options;
@@ -36,7 +44,7 @@ void thawOnly(const GuardEngine& engine)
 } // namespace
 
 QuellonApp::QuellonApp(const ProgramOptions& options)
-    : engine_(host_.host(), engineOptions(notifications_, options)), thaw_([this] { thawOnly(engine_); })
+    : engine_(host_.host(), engineOptions(host_.host(), notifications_, options)), thaw_([this] { thawOnly(engine_); })
 {
     AppDelegate::cleanup = [this] { engine_.resumeAll(true); };
     // Before any view: from here on a signal ends the program by way of the clean-up.

@@ -4,6 +4,7 @@
 #include "QuellonHost/Posix/PosixRunLoop.h"
 
 #include <memory>
+#include <string>
 
 namespace quellon {
 
@@ -18,6 +19,8 @@ public:
 
     /// What an engine gets.
     [[nodiscard]] Host host();
+    /// The running system's version as three numbers, such as "6.1.0"; on Linux it is the kernel's.
+    [[nodiscard]] static std::string systemVersion();
     /// To run, or to embed in another loop.
     [[nodiscard]] PosixRunLoop& runLoop();
 

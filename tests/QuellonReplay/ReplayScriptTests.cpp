@@ -93,7 +93,12 @@ TEST(ReplayScript, wordsOfTheWorldThatAreRefused)
          "process: \"pid\" has a value of the wrong kind"},
         {"clock without a zone", R"({"clock": "2026-03-15T10:00:00"})",
          "clock: \"clock\" is no date like 2026-03-15T10:00:00Z"},
-        {"http", R"({"http": {"status": 200}})", "http is not there yet"},
+        {"reply of neither kind", R"({"http": {"body": "x"}})", R"(http: has either "status" or "fails")"},
+        {"reply of both kinds", R"({"http": {"status": 200, "fails": true}})",
+         R"(http: has either "status" or "fails")"},
+        {"status that is no number", R"({"http": {"status": "200"}})",
+         "http: \"status\" has a value of the wrong kind"},
+        {"status that is none", R"({"http": {"status": 1000}})", "http: \"status\" is none"},
     });
 }
 
@@ -139,8 +144,7 @@ TEST(ReplayScript, actsThatAreRefused)
         {"neither id nor name", R"({"call": "selectProfile"})", R"(call: has either "id" or "name")"},
         {"id and name", R"({"call": "deleteProfile", "id": "00000000-0000-4000-8000-000000000001", "name": "A"})",
          R"(call: has either "id" or "name")"},
-        {"operation of later", R"({"call": "requestExplanation", "app": "A"})",
-         "call requestExplanation is not there yet"},
+        {"lookup of nobody", R"({"call": "requestExplanation"})", "call: \"app\" is missing"},
         {"unknown setting", R"({"settings": {"colour": "red"}})",
          "settings: \"colour\" is no key of the settings' file"},
         {"setting of another kind", R"({"settings": {"notify": 1}})",

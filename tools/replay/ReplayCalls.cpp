@@ -120,6 +120,11 @@ Operation onConsent(ReplayFields& line)
     return [granted = line.required<bool>("granted")](GuardEngine& engine) { (engine.*operation)(granted); };
 }
 
+Operation checkForUpdatesIfAllowed(ReplayFields& /*line*/)
+{
+    return [](GuardEngine& engine) { engine.checkForUpdatesIfAllowed(engine.host().clock.now()); };
+}
+
 Operation addProfile(ReplayFields& line)
 {
     return [named = line.required<std::string>("named")](GuardEngine& engine) { engine.addProfile(named); };
@@ -155,7 +160,6 @@ Operation rederiveRules(ReplayFields& /*line*/)
 
 struct Call {
     const char* name;
-    /// Null for what this program can't do yet.
     Operation (*read)(ReplayFields& line);
 };
 constexpr std::array<Call, 25> calls{{
@@ -177,10 +181,10 @@ constexpr std::array<Call, 25> calls{{
     {"calibrate", calibrate},
     {"markAlertsSeen", plain<&GuardEngine::markAlertsSeen>},
     {"answerUpdateCheckConsent", onConsent<&GuardEngine::answerUpdateCheckConsent>},
-    {"checkForUpdatesIfAllowed", nullptr},
-    {"dismissAvailableUpdate", nullptr},
+    {"checkForUpdatesIfAllowed", checkForUpdatesIfAllowed},
+    {"dismissAvailableUpdate", plain<&GuardEngine::dismissAvailableUpdate>},
     {"answerExplainConsent", onConsent<&GuardEngine::answerExplainConsent>},
-    {"requestExplanation", nullptr},
+    {"requestExplanation", onApp<&GuardEngine::requestExplanation>},
     {"addDevToolPresets", addDevToolPresets},
     {"setPolicy", setPolicy},
     {"rederiveRules", rederiveRules},
@@ -193,7 +197,6 @@ Action call(ReplayFields& line, Context& context)
     const auto name = line.required<std::string>("call");
     const auto known = std::find_if(calls.begin(), calls.end(), [&](const Call& each) { return name == each.name; });
     if (known == calls.end()) line.refuse("the guard has no operation \"" + name + "\"");
-    if (known->read == nullptr) throw ReplayError{"call " + name + " is not there yet"};
     requireRun(context);
     return [operation = known->read(line)](ReplaySession& session) { operation(session.engine()); };
 }

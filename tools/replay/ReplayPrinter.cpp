@@ -73,6 +73,14 @@ void ReplayPrinter::logged(std::string_view category, LogLevel level, std::strin
           {{"category", category}, {"level", level == LogLevel::error ? "error" : "info"}, {"message", message}});
 }
 
+void ReplayPrinter::requested(const HttpRequest& request)
+{
+    OrderedJson headers = OrderedJson::object();
+    for (const auto& [name, value] : request.headers) headers[name] = value;
+    print("http",
+          {{"method", request.method}, {"url", request.url}, {"headers", std::move(headers)}, {"body", request.body}});
+}
+
 void ReplayPrinter::event(const GuardEvent& event)
 {
     print("event", {{"kind", guardEventKinds.raw(event.kind)}, {"message", event.message}});

@@ -31,6 +31,7 @@ public:
     void signalled(const SentSignal& signal) override;
     void saved(const std::filesystem::path& file) override;
     void removed(const std::filesystem::path& file) override;
+    void requested(const HttpRequest& request) override;
     void logged(std::string_view category, LogLevel level, std::string_view message) override;
     void event(const GuardEvent& event);
     void plan(const NotificationPlan& plan);

@@ -1,6 +1,7 @@
 #include "ReplaySession.h"
 
 #include "QuellonCore/Enforcement/TerminationGuard.h"
+#include "QuellonCore/Engine/OnlineContexts.h"
 #include "QuellonCore/Measurement/Shell.h"
 #include "ReplayFields.h"
 
@@ -40,6 +41,8 @@ void ReplaySession::launch(const Launch& launch)
     options.autoStart = launch.autoStart;
     options.notifier = [this](const NotificationPlan& plan) { printer_.plan(plan); };
     options.onEvent = [this](const GuardEvent& event) { printer_.event(event); };
+    options.updateCheck = OnlineContexts::updateCheckContext(host, versions_.program, versions_.system, network_);
+    options.explain = OnlineContexts::explainContext(host, versions_.program, versions_.system, network_);
     engine_ = std::make_unique<GuardEngine>(host, std::move(options));
     engine_->setNotificationCapability(capability_);
     TerminationGuard::make(host.runLoop, host.processes, [this] { engine_->resumeAll(true); })->install();
@@ -71,6 +74,7 @@ void ReplaySession::end()
     if (const auto status = world_.exitStatus()) printer_.print("exit", *status);
     TerminationGuard::forgetInstalled();
     engine_.reset();
+    network_.clear();
     world_.restart();
     static_cast<void>(Shell::drainTimeouts());
 }

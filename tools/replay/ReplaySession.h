@@ -1,5 +1,6 @@
 #pragma once
 
+#include "QuellonCore/Diagnostics/NetworkLog.h"
 #include "QuellonCore/Engine/GuardEngine.h"
 #include "ReplayPrinter.h"
 #include "ScriptedHost.h"
@@ -7,7 +8,9 @@
 #include <memory>
 #include <optional>
 #include <ostream>
+#include <string>
 #include <string_view>
+#include <utility>
 
 namespace quellon {
 
@@ -19,6 +22,12 @@ public:
     ~ReplaySession();
     ReplaySession(const ReplaySession&) = delete;
     ReplaySession& operator=(const ReplaySession&) = delete;
+
+    /// What the world's program and system are. A program without a version has no use of the network.
+    struct Versions {
+        std::string program = "1.2.0";
+        std::string system = "14.5.0";
+    };
 
     /// How a run begins.
     struct Launch {
@@ -32,6 +41,8 @@ public:
     void setDate(Date date);
     /// Whether warnings can reach the user, in every run from the next one on.
     void setNotificationCapability(const NotificationCapability& capability) { capability_ = capability; }
+    /// The versions of the program and of its system in every run from the next one on.
+    void setVersions(Versions versions) { versions_ = std::move(versions); }
     /// The engine of the present run; throws a `ReplayError` when there is none.
     [[nodiscard]] GuardEngine& engine();
     /// The folder of the state files, as the next run finds it.
@@ -50,6 +61,8 @@ private:
     ScriptedHost world_;
     ReplayPrinter printer_;
     NotificationCapability capability_;
+    Versions versions_;
+    NetworkLog network_;
     bool hasDate_ = false;
     std::unique_ptr<GuardEngine> engine_;
 

@@ -198,6 +198,9 @@ OrderedJson replayState(const GuardEngine& engine)
     state["explainInFlight"] = engine.explainInFlight();
     state["explainFailures"] = object(engine.explainFailures());
     put(state, "detailApp", engine.detailApp());
+    if (const auto& update = engine.availableUpdate()) {
+        state["availableUpdate"] = {{"version", update->version}, {"downloadURL", update->downloadURL}};
+    }
     state["sampling"] = object(engine.sampling());
     state["budget"] = object(engine.budget());
     state["isTicking"] = engine.isTicking();

@@ -22,6 +22,7 @@ struct Context {
 [[nodiscard]] Action tool(ReplayFields& line, Context& context);
 [[nodiscard]] Action addresses(ReplayFields& line, Context& context);
 [[nodiscard]] Action process(ReplayFields& line, Context& context);
+[[nodiscard]] Action http(ReplayFields& line, Context& context);
 [[nodiscard]] Action clock(ReplayFields& line, Context& context);
 
 // What happens in it.

@@ -97,9 +97,9 @@ Action world(ReplayFields& line, Context& context)
     if (pid) requiredPID(fields, *pid);
     const auto parents = fields.optional<std::vector<std::int32_t>>("parents");
     const auto environment = fields.optional<Texts>("environment", {});
-    // The two versions are told to servers, of which there are none here.
-    static_cast<void>(fields.optional<std::string>("version"));
-    static_cast<void>(fields.optional<std::string>("systemVersion"));
+    ReplaySession::Versions versions;
+    versions.program = fields.optional("version", versions.program);
+    versions.system = fields.optional("systemVersion", versions.system);
     const auto files = readFiles(fields);
     const auto notifications = readNotifications(fields);
     fields.finish();
@@ -113,6 +113,7 @@ Action world(ReplayFields& line, Context& context)
         for (const auto& [name, value] : environment) host.environment(name, value);
         for (const auto& [name, text] : files) host.files().set(session.stateFolder() / name, text);
         session.setNotificationCapability(notifications);
+        session.setVersions(versions);
     };
 }
 
@@ -170,6 +171,24 @@ Action process(ReplayFields& line, Context& /*context*/)
     process.obeysTerminate = fields.optional("obeysTerminate", process.obeysTerminate);
     fields.finish();
     return [pid, process](ReplaySession& session) { session.world().process(pid, process); };
+}
+
+Action http(ReplayFields& line, Context& /*context*/)
+{
+    ReplayFields fields{line.requiredJson("http"), "http"};
+    const auto status = fields.optional<int>("status");
+    const auto body = fields.optional<std::string>("body", "");
+    const bool fails = fields.optional("fails", false);
+    if (status.has_value() == fails) fields.refuse("has either \"status\" or \"fails\"");
+    constexpr int isNotHttp = 0;
+    constexpr int most = 999;
+    if (status && (*status < isNotHttp || *status > most)) fields.refuse("\"status\" is none");
+    const Json* takes = fields.optionalJson("takes");
+    ScriptedReply reply;
+    if (status) reply.response = HttpResponse{*status, body};
+    if (takes != nullptr) reply.takes = fields.duration("takes", *takes);
+    fields.finish();
+    return [reply](ReplaySession& session) { session.world().http().reply = reply; };
 }
 
 Action clock(ReplayFields& line, Context& /*context*/)

@@ -44,7 +44,7 @@ ScriptedHost::~ScriptedHost()
 
 Host ScriptedHost::host()
 {
-    return {clock_, runLoop_, commands_, processes_, files_, addresses_, log_, identifiers_, platform_};
+    return {clock_, runLoop_, commands_, processes_, files_, addresses_, log_, identifiers_, http_, platform_};
 }
 
 void ScriptedHost::raise(RunLoop::Signal signal)
@@ -73,6 +73,7 @@ void ScriptedHost::observe(ScriptedObserver* observer)
     log_.observe(observer);
     processes_.observe(observer);
     commands_.observe(observer);
+    http_.observe(observer);
 }
 
 } // namespace quellon

@@ -3,6 +3,7 @@
 #include "MemoryFileStore.h"
 #include "QuellonCore/Host/Host.h"
 #include "ScriptedCommands.h"
+#include "ScriptedHttp.h"
 #include "ScriptedParts.h"
 #include "ScriptedRunLoop.h"
 
@@ -46,6 +47,7 @@ public:
     void clearRuns() { commands_.clearRuns(); }
 
     void setAddresses(std::vector<InterfaceAddress> addresses) { addresses_.addresses = std::move(addresses); }
+    [[nodiscard]] ScriptedHttp& http() { return http_; }
     [[nodiscard]] MemoryFileStore& files() { return files_; }
     [[nodiscard]] ScriptedLog& log() { return log_; }
 
@@ -105,6 +107,7 @@ private:
     ScriptedClock clock_{runLoop_};
     ScriptedProcesses processes_{runLoop_};
     ScriptedCommandRunner commands_{runLoop_, log_, platform_};
+    ScriptedHttp http_{runLoop_};
     ScriptedObserver* observer_ = nullptr;
 };
 

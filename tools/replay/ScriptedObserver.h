@@ -1,6 +1,7 @@
 #pragma once
 
 #include "QuellonCore/Host/CommandRunner.h"
+#include "QuellonCore/Host/HttpClient.h"
 #include "QuellonCore/Host/LogSink.h"
 
 #include <filesystem>
@@ -25,6 +26,8 @@ public:
     virtual void saved(const std::filesystem::path& /*file*/) {}
     /// A file that was there was removed.
     virtual void removed(const std::filesystem::path& /*file*/) {}
+    /// A request was sent.
+    virtual void requested(const HttpRequest& /*request*/) {}
     /// A line was written to the log.
     virtual void logged(std::string_view /*category*/, LogLevel /*level*/, std::string_view /*message*/) {}
 };

@@ -31,12 +31,17 @@ GuardEngine::GuardEngine(Host host, Options options)
       interfaceNames_(InterfaceNames::current(host_)),
       capabilities_(options.capabilities ? *options.capabilities
                                          : Capabilities::detect(AppEdition::pro, host_.processes)),
+      cloudExplanations_(
+          persistence_.load<ExplanationCache>(Persistence::explanationsFile).value_or(ExplanationCache{})),
       ledger_(GuardSettings::leastRetention, settings_.sampleInterval, settings_.direction),
       selfPIDs_(Enforcer::selfPIDChain(host_)),
       protection_(ProtectionPolicy::default_(host_.platform)),
       notifier_(std::move(options.notifier)),
       onEvent_(std::move(options.onEvent)),
-      autoResumeSeconds_(options.autoResumeSeconds)
+      autoResumeSeconds_(options.autoResumeSeconds),
+      explanationStore_(ExplanationStore::forPlatform(host_.platform)),
+      updateCheck_(std::move(options.updateCheck)),
+      explain_(std::move(options.explain))
 {
     const bool isPromoted = loadSettings();
     protection_.policies = settings_.appPolicies;
@@ -80,6 +85,7 @@ void GuardEngine::start()
     }
     restartTimer();
     host_.runLoop.post(whileAlive([this] { tick(); }));
+    postUpdateCheck();
 }
 
 void GuardEngine::stop()

@@ -9,6 +9,9 @@
 #include "QuellonCore/Enforcement/SuspendedApp.h"
 #include "QuellonCore/Engine/GuardEvent.h"
 #include "QuellonCore/Host/Host.h"
+#include "QuellonCore/Knowledge/ExplanationCache.h"
+#include "QuellonCore/Knowledge/ExplanationFetching.h"
+#include "QuellonCore/Knowledge/ExplanationStore.h"
 #include "QuellonCore/Measurement/AppUsage.h"
 #include "QuellonCore/Measurement/Capabilities.h"
 #include "QuellonCore/Measurement/InterfaceCounter.h"
@@ -27,6 +30,7 @@
 #include "QuellonCore/Rules/ProtectionPolicy.h"
 #include "QuellonCore/Rules/RuleBreach.h"
 #include "QuellonCore/Settings/GuardSettings.h"
+#include "QuellonCore/UpdateCheck/UpdateChecker.h"
 
 #include <deque>
 #include <functional>
@@ -58,6 +62,8 @@ public:
         std::function<void(const GuardEvent&)> onEvent;
         /// After how many seconds the watchdog of a freeze thaws it.
         int autoResumeSeconds = Enforcer::autoResumeSeconds;
+        std::optional<UpdateCheckContext> updateCheck; ///< Absent: never looks for a newer version.
+        std::optional<ExplainContext> explain;         ///< Absent: looks nothing up online.
     };
 
     /// Everything a tick needs of the world, gathered on a background thread.
@@ -182,10 +188,19 @@ public:
     /// What the guard has done to one application, and how it stands.
     [[nodiscard]] AppActionSummary actionSummary(std::string_view app, Date now) const;
 
-    /// The user's answer to whether the guard may look for a newer version. Saves the settings.
-    void answerUpdateCheckConsent(bool granted);
+    /// The user's answer to whether the guard may look for a newer version. Saves the settings. A yes queues a check,
+    /// which is what it returns.
+    bool answerUpdateCheckConsent(bool granted);
+    /// Asks for a newer version, if the user agreed and has not been told within the day. Notes the check in the
+    /// settings when its reply has come, whatever it was.
+    void checkForUpdatesIfAllowed(Date now);
+    /// Closes the notice, until a check finds the update again.
+    void dismissAvailableUpdate();
     /// The user's answer to whether applications may be looked up online. Saves the settings. Starts no lookup.
     void answerExplainConsent(bool granted);
+    /// Looks one application up online, unless the user has not agreed, it is known, or the lookup is under way.
+    /// Returns whether a lookup was queued. Its answer is kept and saved, its failure is in `explainFailures`.
+    bool requestExplanation(const std::string& app);
 
     /// The user has seen the latest alert.
     void markAlertsSeen();
@@ -238,6 +253,18 @@ public:
     {
         return protectedReasons_;
     }
+    /// What is known of an application: by the pack, or else by the lookup service.
+    [[nodiscard]] std::optional<AppExplanation> explanation(std::string_view app) const;
+    /// Whether a lookup of the application may be offered, whatever the user has said to lookups so far.
+    [[nodiscard]] bool canRequestExplanation(std::string_view app) const;
+    /// Whether the user is to be asked before the first lookup.
+    [[nodiscard]] bool showsExplainConsentPrompt() const;
+    /// Whether the user is to be asked about the check for updates.
+    [[nodiscard]] bool showsUpdateConsentPrompt() const;
+    /// The newer version that a check of this run has found; absent when none has, and once it was dismissed.
+    [[nodiscard]] const std::optional<AvailableUpdate>& availableUpdate() const { return availableUpdate_; }
+    /// The answers of the lookup service, of former runs too.
+    [[nodiscard]] const ExplanationCache& cloudExplanations() const { return cloudExplanations_; }
     /// The applications whose lookups are under way.
     [[nodiscard]] const std::set<std::string>& explainInFlight() const { return explainInFlight_; }
     /// What the user is told of a lookup that failed, per application.
@@ -292,6 +319,11 @@ private:
     void ask(const std::string& app, std::uint64_t moved, Date now);
     void notify(const NotificationPlan& plan) const;
 
+    // What may use the network.
+    void postUpdateCheck();
+    void takeOver(const UpdateCheckResult& result);
+    void takeOver(const std::string& app, const ExplanationFetching::Result& result);
+
     // What is frozen, and what is held.
     void follow(EnforcementAction action, Enforcer::Processes processes, SuspendedApp entry);
     void setSnooze(std::string_view app, double minutes);
@@ -319,9 +351,11 @@ private:
     LivenessStats liveness_;
     std::optional<Date> lastSampleFailureAt_;
     std::map<std::string, std::string, std::less<>> protectedReasons_;
+    ExplanationCache cloudExplanations_;
     std::set<std::string> explainInFlight_;
     std::map<std::string, std::string, std::less<>> explainFailures_;
     std::optional<std::string> detailApp_;
+    std::optional<AvailableUpdate> availableUpdate_;
     GuardSettings settings_;
     BudgetStore budgetStorage_;
     UsageLedger ledger_;
@@ -338,6 +372,9 @@ private:
     std::function<void(const NotificationPlan&)> notifier_;
     std::function<void(const GuardEvent&)> onEvent_;
     int autoResumeSeconds_;
+    ExplanationStore explanationStore_;
+    std::optional<UpdateCheckContext> updateCheck_;
+    std::optional<ExplainContext> explain_;
     NotificationBatcher batcher_{batchWindow};
     EnforcementHistory enforcementHistory_;
     BlockedAppTrigger::TransferWatcher transferWatcher_;

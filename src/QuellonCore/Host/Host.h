@@ -3,6 +3,7 @@
 #include "QuellonCore/Host/Clock.h"
 #include "QuellonCore/Host/CommandRunner.h"
 #include "QuellonCore/Host/FileStore.h"
+#include "QuellonCore/Host/HttpClient.h"
 #include "QuellonCore/Host/IdentifierSource.h"
 #include "QuellonCore/Host/InterfaceAddresses.h"
 #include "QuellonCore/Host/LogSink.h"
@@ -22,6 +23,7 @@ struct Host {
     InterfaceAddresses& addresses;
     LogSink& log;
     IdentifierSource& identifiers;
+    HttpClient& http;
     Platform platform;
 };
 

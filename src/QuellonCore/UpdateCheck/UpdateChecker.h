@@ -45,6 +45,14 @@ struct UpdateChecker {
                                                std::string_view systemVersion);
 };
 
+/// A newer version, and where to get it.
+struct AvailableUpdate {
+    std::string version;
+    std::string downloadURL; ///< An "https" address.
+
+    bool operator==(const AvailableUpdate&) const = default;
+};
+
 /// What the engine needs to check for updates.
 struct UpdateCheckContext {
     UpdateChecker checker;

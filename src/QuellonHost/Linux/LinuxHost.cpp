@@ -16,7 +16,7 @@ LinuxHost::~LinuxHost()
 
 Host LinuxHost::host()
 {
-    return {clock_, runLoop_, commands_, processes_, files_, addresses_, log_, identifiers_, Platform::linux()};
+    return {clock_, runLoop_, commands_, processes_, files_, addresses_, log_, identifiers_, http_, Platform::linux()};
 }
 
 std::filesystem::path LinuxHost::findProbe(const std::filesystem::path& executableFolder)

@@ -4,6 +4,7 @@
 #include "QuellonHost/Linux/JournalLog.h"
 #include "QuellonHost/Linux/LinuxCommandRunner.h"
 #include "QuellonHost/Linux/LinuxProcessControl.h"
+#include "QuellonHost/Posix/CurlHttpClient.h"
 #include "QuellonHost/Posix/PosixFileStore.h"
 #include "QuellonHost/Posix/PosixInterfaceAddresses.h"
 #include "QuellonHost/Posix/PosixRunLoop.h"
@@ -39,7 +40,8 @@ private:
     PosixInterfaceAddresses addresses_;
     RandomIdentifiers identifiers_;
     LinuxCommandRunner commands_;
-    PosixRunLoop runLoop_; ///< Last, so that background work ends before what it uses goes.
+    PosixRunLoop runLoop_; ///< Here, so that background work ends before what it uses goes.
+    CurlHttpClient http_{runLoop_};
 };
 
 } // namespace quellon

@@ -1,6 +1,7 @@
 #include "QuellonHost/SystemHost.h"
 
 #include "QuellonHost/Linux/LinuxHost.h"
+#include "QuellonHost/Posix/SystemVersion.h"
 
 #include <filesystem>
 #include <system_error>
@@ -28,6 +29,11 @@ SystemHost::~SystemHost() = default;
 Host SystemHost::host()
 {
     return parts_->linuxHost.host();
+}
+
+std::string SystemHost::systemVersion()
+{
+    return SystemVersion::kernel();
 }
 
 PosixRunLoop& SystemHost::runLoop()

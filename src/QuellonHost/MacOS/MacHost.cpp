@@ -13,7 +13,7 @@ MacHost::~MacHost()
 
 Host MacHost::host()
 {
-    return {clock_, runLoop_, commands_, processes_, files_, addresses_, log_, identifiers_, Platform::macOS()};
+    return {clock_, runLoop_, commands_, processes_, files_, addresses_, log_, identifiers_, http_, Platform::macOS()};
 }
 
 } // namespace quellon

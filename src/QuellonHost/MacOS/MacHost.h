@@ -3,6 +3,7 @@
 #include "QuellonCore/Host/Host.h"
 #include "QuellonHost/MacOS/MacProcessControl.h"
 #include "QuellonHost/MacOS/UnifiedLog.h"
+#include "QuellonHost/Posix/CurlHttpClient.h"
 #include "QuellonHost/Posix/PosixCommandRunner.h"
 #include "QuellonHost/Posix/PosixFileStore.h"
 #include "QuellonHost/Posix/PosixInterfaceAddresses.h"
@@ -31,7 +32,8 @@ private:
     PosixInterfaceAddresses addresses_;
     RandomIdentifiers identifiers_;
     PosixCommandRunner commands_{log_};
-    PosixRunLoop runLoop_; ///< Last, so that background work ends before what it uses goes.
+    PosixRunLoop runLoop_; ///< Here, so that background work ends before what it uses goes.
+    CurlHttpClient http_{runLoop_};
 };
 
 } // namespace quellon

@@ -46,7 +46,7 @@ protected:
     {
         const Host whole = world_.host();
         return {commands,        whole.runLoop, commands,          whole.processes, whole.files,
-                whole.addresses, whole.log,     whole.identifiers, whole.platform};
+                whole.addresses, whole.log,     whole.identifiers, whole.http,      whole.platform};
     }
     std::optional<std::string> runWith(FixedCommands& commands, Seconds timeout = Shell::defaultTimeout)
     {

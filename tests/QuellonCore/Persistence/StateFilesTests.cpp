@@ -76,9 +76,10 @@ void removeKey(Json& json, std::string_view path)
     }
     const bool isArray = name.ends_with("[]");
     if (isArray) name.resize(name.size() - 2);
-    if (!json.contains(name)) return;
-    if (!isArray) return removeKey(json[name], path.substr(dot + 1));
-    for (Json& each : json[name]) removeKey(each, path.substr(dot + 1));
+    if (!name.empty() && !json.contains(name)) return;
+    Json& below = name.empty() ? json : json[name];
+    if (!isArray) return removeKey(below, path.substr(dot + 1));
+    for (Json& each : below) removeKey(each, path.substr(dot + 1));
 }
 
 TEST(StateFiles, theDocumentedExamplesAreWhatIsReadAndWritten)
@@ -125,7 +126,8 @@ TEST(StateFiles, everyValueHasAType)
 {
     for (const StateRecord& record : stateRecords) {
         const Json whole = parseJson(documented(std::string{record.file})).value();
-        for (const auto& [key, value] : whole.items()) {
+        const Json& object = whole.is_array() ? whole.front() : whole;
+        for (const auto& [key, value] : object.items()) {
             SCOPED_TRACE(std::string{record.file} + ": " + key);
             const bool isMirror =
                 record.file == Persistence::settingsFile &&
@@ -134,7 +136,7 @@ TEST(StateFiles, everyValueHasAType)
                  {Json(true), Json(1), Json("text"), Json::array({Json::array()}), Json{{"key", Json::object()}}}) {
                 if (other.type() == value.type() || (other.is_number() && value.is_number())) continue;
                 Json json = whole;
-                json[key] = other;
+                (json.is_array() ? json.front() : json)[key] = other;
                 EXPECT_EQ(record.reencode(json.dump()).has_value(), isMirror) << other;
             }
         }
@@ -212,6 +214,28 @@ TEST(StateFiles, historyExample)
     };
     history.lastNoticeAt = {{"Player", Date{Seconds{795'250'000.0}}}};
     EXPECT_EQ(decode<EnforcementHistory>(documented("enforcement-history.json")), history);
+}
+
+TEST(StateFiles, suspendedExample)
+{
+    const std::vector<SuspendedApp> suspended{
+        {"Player", {501, 502}, {"Sun Mar 15 09:00:00 2026", ""}, 104'857'600, Date{Seconds{795'261'600.25}}},
+    };
+    EXPECT_EQ(decode<std::vector<SuspendedApp>>(documented("suspended.json")), suspended);
+}
+
+TEST(StateFiles, explanationsExample)
+{
+    AppExplanation explanation;
+    explanation.whatItIs = "Keeps a folder the same on several machines.";
+    explanation.whyTraffic = "Uploads and downloads what changed, whole files at a time.";
+    explanation.category = AppExplanation::Category::cloudSync;
+    explanation.vendor = "Example Works";
+    explanation.limitAdvice = AppExplanation::LimitAdvice::safe;
+    explanation.limitNote = "Files stay as they are until it goes on.";
+    explanation.source = AppExplanation::Source::cloud;
+    const ExplanationCache cache{{{"foldersyncd", {explanation, Date{Seconds{795'261'600.25}}}}}};
+    EXPECT_EQ(decode<ExplanationCache>(documented("explanations.json")), cache);
 }
 
 TEST(StateFiles, livenessExample)

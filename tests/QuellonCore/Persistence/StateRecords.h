@@ -2,6 +2,8 @@
 
 #include "QuellonCore/Budget/BudgetStore.h"
 #include "QuellonCore/Enforcement/EnforcementHistory.h"
+#include "QuellonCore/Enforcement/SuspendedApp.h"
+#include "QuellonCore/Knowledge/ExplanationCache.h"
 #include "QuellonCore/Measurement/UsageLedger.h"
 #include "QuellonCore/Persistence/Persistence.h"
 #include "QuellonCore/Persistence/StateFile.h"
@@ -12,6 +14,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quellon {
 
@@ -28,7 +31,7 @@ std::optional<std::string> reencode(std::string_view text)
     return value ? std::optional{encode(*value)} : std::nullopt;
 }
 
-inline constexpr std::array<StateRecord, 5> stateRecords{{
+inline constexpr std::array<StateRecord, 7> stateRecords{{
     {Persistence::ledgerFile, reencode<UsageLedger::Snapshot>},
     {Persistence::settingsFile,
      [](std::string_view text) -> std::optional<std::string> {
@@ -36,8 +39,10 @@ inline constexpr std::array<StateRecord, 5> stateRecords{{
          return settings ? std::optional{encode(*settings)} : std::nullopt;
      }},
     {Persistence::budgetFile, reencode<BudgetStore>},
+    {Persistence::suspendedFile, reencode<std::vector<SuspendedApp>>},
     {Persistence::enforcementHistoryFile, reencode<EnforcementHistory>},
     {Persistence::livenessFile, reencode<LivenessStats>},
+    {Persistence::explanationsFile, reencode<ExplanationCache>},
 }};
 
 } // namespace quellon

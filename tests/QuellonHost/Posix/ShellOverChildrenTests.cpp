@@ -27,7 +27,7 @@ protected:
     {
         const Host scripted = world_.host();
         return Shell::run({scripted.clock, scripted.runLoop, runner_, scripted.processes, scripted.files,
-                           scripted.addresses, scripted.log, scripted.identifiers, scripted.platform},
+                           scripted.addresses, scripted.log, scripted.identifiers, scripted.http, scripted.platform},
                           command, timeout);
     }
     std::optional<std::string> shell(const char* script, Seconds timeout = 60s)
