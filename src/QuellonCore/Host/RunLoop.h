@@ -30,7 +30,8 @@ public:
     /// loop ends is dropped without being run.
     virtual void post(Work work) = 0;
 
-    /// Runs `work` once, after `delay` of steady time, and can't be cancelled. The end of the loop drops it. Any thread.
+    /// Runs `work` once, after `delay` of steady time, and can't be cancelled. The end of the loop drops it. Any
+    /// thread.
     virtual void postAfter(Seconds delay, Work work) = 0;
 
     /// Runs `work` once, after `delay` of steady time (a change of the wall clock does not matter).
