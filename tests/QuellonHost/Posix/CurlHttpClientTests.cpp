@@ -1,8 +1,8 @@
 #include "QuellonHost/Support/CurlHttpClientTest.h"
+#include "QuellonHost/Support/MemoryPeak.h"
 #include "QuellonHost/Support/StuckLookup.h"
 #include "QuellonHost/Support/TlsServer.h"
 
-#include <fstream>
 #include <gtest/gtest.h>
 #include <limits>
 #include <string>
@@ -299,23 +299,6 @@ TEST_F(CurlHttpClientReplies, needATime)
     EXPECT_EQ(exchange(request), (HttpResponse{200, "hello"}));
 }
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr std::size_t allowance = std::size_t{32} << 20U; // they keep for a while what is freed
-#else
-constexpr std::size_t allowance = std::size_t{1} << 20U;
-#endif
-
-/// Bytes that this process has in memory now, or had at most, as the system tells.
-std::size_t residentBytes(std::string_view name)
-{
-    std::ifstream status{"/proc/self/status"};
-    for (std::string line; std::getline(status, line);) {
-        if (line.starts_with(name)) return std::stoul(line.substr(name.size() + 1)) * 1024;
-    }
-    ADD_FAILURE() << "no " << name;
-    return 0;
-}
-
 TEST_F(CurlHttpClientReplies, takeNoMoreMemoryThanTheLimitAndAMebibyte)
 {
     const auto bomb = server().gzippedZeros(std::size_t{64} << 20U);
@@ -336,10 +319,9 @@ TEST_F(CurlHttpClientReplies, takeNoMoreMemoryThanTheLimitAndAMebibyte)
     (void)whenServerSays({{whole(block)}}); // what is needed once
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        const auto before = residentBytes("VmRSS:");
-        std::ofstream{"/proc/self/clear_refs"} << "5"; // the most counts anew
+        const testing::MemoryPeak peak;
         const auto response = whenServerSays(c.steps);
-        EXPECT_LT(residentBytes("VmHWM:"), before + limit + allowance);
+        EXPECT_LT(peak.growth(), limit + testing::MemoryPeak::allowance);
         EXPECT_LE(response.value_or(HttpResponse{}).body.size(), limit + 1);
         EXPECT_LT(elapsed, Seconds{5});
     }

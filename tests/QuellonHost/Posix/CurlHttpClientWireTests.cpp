@@ -1,8 +1,8 @@
 #include "QuellonHost/Support/CurlHttpClientTest.h"
+#include "QuellonHost/Support/SentRequest.h"
 #include "QuellonHost/Support/StuckLookup.h"
 #include "QuellonHost/Support/TlsServer.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -12,41 +12,9 @@
 namespace quellon {
 namespace {
 
+using testing::SentRequest;
 using testing::StuckLookup;
 using testing::TlsServer;
-
-/// A request as it stood on the wire, its headers in ascending order: which comes first is up to the library.
-struct Sent {
-    std::string firstLine;
-    std::vector<std::string> headers;
-    std::string body;
-
-    bool operator==(const Sent&) const = default;
-};
-
-void PrintTo(const Sent& sent, std::ostream* out)
-{
-    *out << sent.firstLine << '\n';
-    for (const auto& header : sent.headers) *out << header << '\n';
-    *out << '\n' << sent.body;
-}
-
-Sent taken(const std::string& bytes)
-{
-    const auto headEnd = bytes.find("\r\n\r\n");
-    if (headEnd == std::string::npos) return {"no end of the headers: " + bytes, {}, ""};
-    Sent result{"", {}, bytes.substr(headEnd + 4)};
-    const auto head = bytes.substr(0, headEnd + 2);
-    for (std::size_t at = 0; at < head.size();) {
-        const auto end = head.find("\r\n", at);
-        result.headers.push_back(head.substr(at, end - at));
-        at = end + 2;
-    }
-    result.firstLine = result.headers.front();
-    result.headers.erase(result.headers.begin());
-    std::sort(result.headers.begin(), result.headers.end());
-    return result;
-}
 
 class CurlHttpClientWire : public testing::CurlHttpClientTest {
 protected:
@@ -64,10 +32,10 @@ protected:
                 65'536};
     }
     /// All that was sent once so many connections have ended.
-    static std::vector<Sent> awaitSent(std::size_t count)
+    static std::vector<SentRequest> awaitSent(std::size_t count)
     {
-        std::vector<Sent> result;
-        for (const auto& bytes : server().awaitEnds(count)) result.push_back(taken(bytes));
+        std::vector<SentRequest> result;
+        for (const auto& bytes : server().awaitEnds(count)) result.push_back(SentRequest::parse(bytes));
         return result;
     }
 };
@@ -80,7 +48,7 @@ TEST_F(CurlHttpClientWire, requestIsWhatItSaysAndNothingElse)
     struct Case {
         const char* name;
         HttpRequest request;
-        Sent sent;
+        SentRequest sent;
     };
     const Case cases[] = {
         {"a POST",
@@ -135,7 +103,7 @@ TEST_F(CurlHttpClientWire, nothingIsKeptBetweenTwoExchanges)
                           "ETag: \"x\"\r\nCache-Control: max-age=1000\r\nAlt-Svc: h2=\":1\"\r\nContent-Length: 2\r\n"
                           "\r\nok"}});
     for (int i = 0; i < 3; ++i) EXPECT_EQ(exchange(get(server().url("/"))), (HttpResponse{200, "ok"}));
-    const Sent each{"GET / HTTP/1.1", {hostHeader(), "User-Agent: Tests/1"}, ""};
+    const SentRequest each{"GET / HTTP/1.1", {hostHeader(), "User-Agent: Tests/1"}, ""};
     EXPECT_EQ(awaitSent(3), (std::vector{each, each, each}));
     EXPECT_EQ(server().connections(), 3);
 }
@@ -148,7 +116,7 @@ TEST_F(CurlHttpClientWire, noPasswordIsGivenWhenAsked)
     setenv("HOME", folder.path().c_str(), 1);
     server().reply("/", {{"HTTP/1.1 401 No\r\nWWW-Authenticate: Basic realm=x\r\nContent-Length: 0\r\n\r\n"}});
     EXPECT_EQ(exchange(get(server().url("/"))), (HttpResponse{401, ""}));
-    EXPECT_EQ(awaitSent(1), (std::vector{Sent{"GET / HTTP/1.1", {hostHeader(), "User-Agent: Tests/1"}, ""}}));
+    EXPECT_EQ(awaitSent(1), (std::vector{SentRequest{"GET / HTTP/1.1", {hostHeader(), "User-Agent: Tests/1"}, ""}}));
     if (home != nullptr) setenv("HOME", home, 1);
 }
 
@@ -157,11 +125,11 @@ TEST_F(CurlHttpClientWire, redirectsAreFollowedAsTheirStatusSays)
     const std::string type = "Content-Type: application/json";
     const std::string agent = "User-Agent: Quellon/1.2.0 (macOS 14.5.0)";
     const auto host = hostHeader(TlsServer::otherHost);
-    const Sent again{"POST /target HTTP/1.1", {"Content-Length: 2", type, host, agent}, "{}"};
-    const Sent asking{"GET /target HTTP/1.1", {type, host, agent}, ""};
+    const SentRequest again{"POST /target HTTP/1.1", {"Content-Length: 2", type, host, agent}, "{}"};
+    const SentRequest asking{"GET /target HTTP/1.1", {type, host, agent}, ""};
     struct Case {
         int status;
-        Sent second;
+        SentRequest second;
     };
     for (const auto& c : {Case{303, asking}, Case{307, again}, Case{308, again}}) {
         SCOPED_TRACE(c.status);
@@ -170,9 +138,9 @@ TEST_F(CurlHttpClientWire, redirectsAreFollowedAsTheirStatusSays)
                               server().url("/target", "valid", TlsServer::otherHost) + "\r\n\r\n"}});
         server().reply("/target", 200, "ok");
         EXPECT_EQ(exchange(post(server().url("/"), "{}")), (HttpResponse{200, "ok"}));
-        EXPECT_EQ(
-            awaitSent(2),
-            (std::vector{Sent{"POST / HTTP/1.1", {"Content-Length: 2", type, hostHeader(), agent}, "{}"}, c.second}));
+        EXPECT_EQ(awaitSent(2),
+                  (std::vector{SentRequest{"POST / HTTP/1.1", {"Content-Length: 2", type, hostHeader(), agent}, "{}"},
+                               c.second}));
     }
 }
 
