@@ -28,7 +28,7 @@ void play(ScriptedHost& host, int minute)
 {
     constexpr int applications = 4;
     const std::uint64_t counter =
-        1'000'000'000U + 1'000'000U * static_cast<std::uint64_t>(minute); // same digits all day
+        1'000'000U + 1'000U * static_cast<std::uint64_t>(minute); // same digits all day, and no rule is crossed
     std::string processes;
     std::string traffic = "time,,interface,bytes_in,bytes_out,\n";
     for (int i = 0; i < applications; ++i) {

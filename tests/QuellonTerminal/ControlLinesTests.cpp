@@ -196,7 +196,10 @@ TEST_F(ControlLinesTest, aQuestionSaysThatMoreWait)
     };
     const Case cases[] = {
         {"the title gives way", 30, 4, "! apt keeps reaching …  1 of 3"},
-        {"a single line has the answers first", 120, 1,
+        {"a single line has room for all", 120, 1,
+         "! apt keeps reaching for the hotspot  1 Allow until done  2 Stop asking today  3 Stop it  4 Show details  "
+         "1 of 3"},
+        {"a single line has the answers first", 108, 1,
          "! apt keeps reaching for the hotspot  1 Allow until done  2 Stop asking today  3 Stop it  4 Show details  "
          "1…"},
         {"next to no room", 4, 8, "…  …"},
