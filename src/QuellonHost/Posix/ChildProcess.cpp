@@ -73,6 +73,16 @@ public:
                openNull(STDOUT_FILENO) && openNull(STDERR_FILENO);
     }
 
+    /// Closes what is not ours to mark as closed on exec, such as the descriptors of a library. Last of the actions.
+    [[nodiscard]] bool closeOthers()
+    {
+#if defined(__GLIBC__) && __GLIBC_PREREQ(2, 34)
+        return posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1) == 0;
+#else
+        return true;
+#endif
+    }
+
     posix_spawn_file_actions_t actions{};
     posix_spawnattr_t attributes{};
 
@@ -104,6 +114,7 @@ std::optional<pid_t> spawn(Command command, SpawnPlan& plan)
     for (auto& argument : command.arguments) words.push_back(argument.data());
     words.push_back(nullptr);
     pid_t pid = 0;
+    if (!plan.closeOthers()) return std::nullopt;
     if (posix_spawn(&pid, words.front(), &plan.actions, &plan.attributes, words.data(), environ) != 0) {
         return std::nullopt;
     }
