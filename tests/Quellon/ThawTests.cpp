@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <string>
 #include <string_view>
 #include <unistd.h>
 
@@ -50,6 +51,27 @@ TEST(Thaw, atEveryEndThatCanBeSeenComing)
         EXPECT_EQ(terminal.wait(), 0);
         EXPECT_TRUE(world.allGoOn());
         EXPECT_EQ(world.stateFile("suspended.json"), "[]");
+    }
+}
+
+TEST(Thaw, aGuardIsNotStoppedByCtrlZ)
+{
+    for (const char* view : {"--plain", "--terminal"}) {
+        SCOPED_TRACE(view);
+        const FreezingWorld world;
+        auto setup = world.setup({view});
+        // A job of a shell: without one around, the system does not stop anybody by a key.
+        std::string job = "set -m; '" + setup.program + "'";
+        for (const auto& argument : setup.arguments) job += " '" + argument + "'";
+        setup.program = "/bin/sh";
+        setup.arguments = {"-c", job + "; echo \"ended with $?\""};
+        ChildTerminal terminal{setup};
+        ASSERT_TRUE(world.awaitFreeze(terminal)) << terminal.screen();
+        terminal.type("\x1A");
+        terminal.type("\x03");
+        EXPECT_TRUE(terminal.waitFor("ended with 0")) << terminal.screen();
+        EXPECT_EQ(terminal.wait(), 0);
+        EXPECT_TRUE(world.allGoOn());
     }
 }
 
