@@ -67,6 +67,7 @@ ChildTerminal::ChildTerminal(const Setup& setup)
     if (setup.output >= 0) dup2(setup.output, STDOUT_FILENO);
     for (const int each : setup.ignored) (void)std::signal(each, SIG_IGN);
     if (chdir("/") != 0) _exit(127);
+    if (setup.prepare != nullptr) setup.prepare();
     execve(setup.program.c_str(), arguments.data(), environmentPointers.data());
     _exit(127);
 }

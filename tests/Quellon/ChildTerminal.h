@@ -23,6 +23,7 @@ public:
         std::string program = QUELLON_PROGRAM;
         std::vector<int> ignored = {}; ///< Signals that are ignored when the program begins.
         int output = -1;               ///< Instead of the screen, when it is a descriptor.
+        void (*prepare)() = nullptr;   ///< Called in the child right before the program begins.
     };
 
     explicit ChildTerminal(const Setup& setup);
