@@ -34,6 +34,7 @@ int main(int argumentCount, char** arguments)
 {
     std::set_terminate([] { fatal("an error that nobody expected"); });
     std::signal(SIGPIPE, SIG_IGN); // a reader that is gone is an error of the write
+    std::signal(SIGCHLD, SIG_DFL); // ignored by whoever started us, a child's id would be free again at its end
     std::signal(SIGTSTP, SIG_IGN); // Ctrl-Z: a guard that is stopped itself lets nobody go on
     useUtf8Locale();
     const std::vector<std::string_view> words(arguments + (argumentCount > 0 ? 1 : 0), arguments + argumentCount);

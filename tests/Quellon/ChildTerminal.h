@@ -40,6 +40,7 @@ public:
     void type(std::string_view keys);
     void resize(unsigned short width, unsigned short height);
     void signal(int number);
+    [[nodiscard]] pid_t pid() const { return child_; }
     /// Closes the window: keys and screen are gone.
     void close();
 

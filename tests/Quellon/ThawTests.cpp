@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <fstream>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unistd.h>
@@ -17,6 +19,21 @@ namespace quellon {
 namespace {
 
 using testing::HasSubstr;
+
+/// The signals that a process ignores.
+std::set<int> ignoredSignals(pid_t process)
+{
+    std::ifstream status{"/proc/" + std::to_string(process) + "/status"};
+    std::string word;
+    while (status >> word && word != "SigIgn:") {}
+    unsigned long long mask = 0;
+    status >> std::hex >> mask;
+    std::set<int> result;
+    for (int number = 1; number <= 64; ++number) {
+        if ((mask >> (number - 1) & 1U) != 0) result.insert(number);
+    }
+    return result;
+}
 
 TEST(Thaw, atEveryEndThatCanBeSeenComing)
 {
@@ -101,6 +118,22 @@ TEST(Thaw, underNohupTheGuardOutlivesItsTerminal)
     terminal.signal(SIGHUP);
     for (int table = 0; table < 3; ++table) ASSERT_TRUE(terminal.waitFor("Guarding")) << "it goes on";
     EXPECT_FALSE(world.victim(0).hasContinued());
+    terminal.signal(SIGTERM);
+    EXPECT_EQ(terminal.wait(), 0);
+    EXPECT_TRUE(world.allGoOn());
+}
+
+/// What the guard's id for a child means hangs on this: with SIGCHLD ignored the system forgets a child at its end.
+TEST(Thaw, theGuardKeepsItsChildrenAlsoWhenItsLauncherIgnoresThem)
+{
+    const FreezingWorld world;
+    auto setup = world.setup({"--plain"});
+    setup.ignored = {SIGCHLD, SIGHUP};
+    ChildTerminal terminal{setup};
+    ASSERT_TRUE(world.awaitFreeze(terminal)) << terminal.screen();
+    const std::set<int> ignored = ignoredSignals(terminal.pid());
+    EXPECT_TRUE(ignored.contains(SIGHUP)) << "the way to look works";
+    EXPECT_FALSE(ignored.contains(SIGCHLD));
     terminal.signal(SIGTERM);
     EXPECT_EQ(terminal.wait(), 0);
     EXPECT_TRUE(world.allGoOn());
