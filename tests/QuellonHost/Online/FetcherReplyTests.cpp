@@ -51,6 +51,13 @@ const std::string inChunks = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\
 
 class FetcherReplies : public testing::FetcherTest {
 protected:
+    void SetUp() override
+    {
+        testing::FetcherTest::SetUp();
+        server().reply("/", {{ok(good)}});
+        ASSERT_EQ(explain(server().url("/")).result, "accepted"); // which loads what is needed once
+        server().forget();
+    }
     /// `result` with the line that it leaves in the log: a failed transfer, or this status and so many bytes.
     static Fetched expected(const std::string& service, const std::string& result, int status, std::size_t bytes)
     {
@@ -170,8 +177,6 @@ TEST_F(FetcherReplies, ofEveryKind)
         {"packed zeros", {{reply(200, smallBomb, packed)}}, End::hang, malformed, malformed, 200, smallBomb.size()},
         {"more packed zeros", {{reply(200, bigBomb, packed)}}, End::hang, malformed, malformed, 200, limit + 1},
     };
-    server().reply("/", {{ok(good)}});
-    ASSERT_EQ(explain(server().url("/")).result, "accepted"); // what is needed once
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         server().reply("/", c.steps, c.end);
