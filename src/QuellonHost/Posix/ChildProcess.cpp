@@ -19,10 +19,16 @@ namespace quellon {
 
 namespace {
 
-/// The children that were killed and had not ended when their owner went on.
+/// A child that had not ended when its owner went on. Its standard input ends no sooner than it does: what it does at
+/// the end of that is its owner's to decide.
+struct Leftover {
+    pid_t pid = 0;
+    Descriptor input;
+};
+
 struct Leftovers {
     std::mutex lock;
-    std::vector<pid_t> pids;
+    std::vector<Leftover> children;
 };
 
 Leftovers& leftovers()
@@ -60,7 +66,7 @@ public:
     [[nodiscard]] bool fill(int output, int input, bool ownGroup)
     {
         return setAttributes(ownGroup ? POSIX_SPAWN_SETPGROUP : 0) &&
-               (input < 0 || posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO) == 0) &&
+               (input < 0 ? keepInput() : posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO) == 0) &&
                posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO) == 0 && openNull(STDERR_FILENO);
     }
 
@@ -90,14 +96,26 @@ private:
     [[nodiscard]] bool setAttributes(int flags)
     {
         sigset_t defaults;
-        sigemptyset(&defaults);
-        for (const int number : {SIGTERM, SIGINT, SIGPIPE}) sigaddset(&defaults, number);
+        sigfillset(&defaults);
+        for (const int number : {SIGHUP, SIGTSTP, SIGKILL, SIGSTOP}) sigdelset(&defaults, number);
         sigset_t none;
         sigemptyset(&none);
         flags |= POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK;
+#ifdef __APPLE__
+        flags |= POSIX_SPAWN_CLOEXEC_DEFAULT; // what no file action names is closed
+#endif
         return posix_spawnattr_setsigdefault(&attributes, &defaults) == 0 &&
                posix_spawnattr_setsigmask(&attributes, &none) == 0 && posix_spawnattr_setpgroup(&attributes, 0) == 0 &&
                posix_spawnattr_setflags(&attributes, static_cast<short>(flags)) == 0;
+    }
+
+    [[nodiscard]] bool keepInput()
+    {
+#ifdef __APPLE__
+        return posix_spawn_file_actions_addinherit_np(&actions, STDIN_FILENO) == 0;
+#else
+        return true;
+#endif
     }
 
     [[nodiscard]] bool openNull(int stream)
@@ -122,10 +140,10 @@ std::optional<pid_t> spawn(Command command, SpawnPlan& plan)
 }
 
 /// Gives up a child that has not ended.
-void leave(pid_t pid)
+void leave(Leftover child)
 {
     const std::lock_guard guard{leftovers().lock};
-    leftovers().pids.push_back(pid);
+    leftovers().children.push_back(std::move(child));
 }
 
 } // namespace
@@ -177,7 +195,7 @@ ChildProcess& ChildProcess::operator=(ChildProcess&& other) noexcept
 
 ChildProcess::~ChildProcess()
 {
-    if (pid_ != 0 && !reapNow(pid_)) leave(pid_);
+    if (pid_ != 0 && !reapNow(pid_)) leave({pid_, std::move(input)});
 }
 
 void ChildProcess::kill() const
@@ -214,7 +232,7 @@ bool ChildProcess::reap(Deadline deadline)
 void ChildProcess::reapLeftovers()
 {
     const std::lock_guard guard{leftovers().lock};
-    std::erase_if(leftovers().pids, reapNow);
+    std::erase_if(leftovers().children, [](const Leftover& child) { return reapNow(child.pid); });
 }
 
 } // namespace quellon

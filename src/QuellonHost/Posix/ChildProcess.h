@@ -10,8 +10,10 @@
 namespace quellon {
 
 /// A child whose standard output is a pipe to us or the null device, as is its standard error. It inherits the
-/// environment, the folder, and no descriptor but the standard ones; signals that we handle or ignore have their
-/// default effect on it. The path is not searched for.
+/// environment, the folder, and no descriptor but the standard ones (where the C library can't close the others: none
+/// that is ours). Signals have their default effect on it, also those that we or whoever started us ignore, but for
+/// SIGHUP and SIGTSTP: what the guard's terminal does to it is no more than what that does to the guard. The path is
+/// not searched for.
 class ChildProcess {
 public:
     struct Options {
@@ -28,7 +30,7 @@ public:
 
     ChildProcess(ChildProcess&& other) noexcept;
     ChildProcess& operator=(ChildProcess&& other) noexcept;
-    /// A child that was not reaped is left to `reapLeftovers`.
+    /// A child that was not reaped is left to `reapLeftovers`; until then its `input` stays open.
     ~ChildProcess();
 
     [[nodiscard]] pid_t pid() const { return pid_; }
