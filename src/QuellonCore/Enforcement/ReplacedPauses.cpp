@@ -12,28 +12,46 @@ ReplacedPauses::~ReplacedPauses()
     thawAll();
 }
 
-void ReplacedPauses::keep(const Host& host, const std::string& app, const std::vector<SuspendedApp>& suspended,
+void ReplacedPauses::keep(const std::string& app, const std::vector<SuspendedApp>& suspended,
                           const std::vector<std::int32_t>& acted, const ProcessTable::Entries& table)
 {
     std::set<std::int32_t> frozen;
-    const auto kept = byApp_.find(app);
-    if (kept != byApp_.end()) frozen.insert(kept->second.pids.begin(), kept->second.pids.end());
+    const auto before = byApp_.find(app);
+    const auto wasKept = [&](std::int32_t pid) {
+        return before != byApp_.end() && std::ranges::binary_search(before->second.pids, pid);
+    };
+    if (before != byApp_.end()) frozen.insert(before->second.pids.begin(), before->second.pids.end());
     for (const SuspendedApp& entry : suspended) {
         if (entry.app == app) frozen.insert(entry.pids.begin(), entry.pids.end());
     }
-    std::vector<std::int32_t> pids;
-    std::copy_if(frozen.begin(), frozen.end(), std::back_inserter(pids), [&](std::int32_t pid) {
+    for (const std::int32_t pid : acted) frozen.erase(pid); // on record with the new freeze
+
+    std::vector<std::int32_t> stay;
+    std::vector<std::int32_t> go;
+    for (const std::int32_t pid : frozen) {
+        if (!Enforcer::isAlive(host_, pid)) continue;
         const ProcessEntry* process = table.find(pid);
-        return process != nullptr && ProcessTable::appLabel(process->command) == app &&
-               std::find(acted.begin(), acted.end(), pid) == acted.end();
-    });
+        if (process == nullptr || ProcessTable::appLabel(process->command) == app)
+            stay.push_back(pid);
+        else if (wasKept(pid))
+            go.push_back(pid);
+    }
+    Enforcer::resume(host_, go);
+    hold(app, std::move(stay));
+}
+
+/// From now on these are the application's.
+void ReplacedPauses::hold(const std::string& app, std::vector<std::int32_t> pids)
+{
+    const auto kept = byApp_.find(app);
     if (pids.empty()) {
-        byApp_.erase(app);
-    } else if (kept == byApp_.end() || kept->second.pids != pids) {
-        // Where none can be had, the one that there is stays: it holds most of them.
-        if (auto lifeline = host.processes.lifeline(pids)) {
-            byApp_.insert_or_assign(app, Kept{std::move(pids), std::move(lifeline)});
-        }
+        if (kept != byApp_.end()) byApp_.erase(kept);
+    } else if (kept != byApp_.end() && kept->second.held == pids) {
+        kept->second.pids = std::move(pids);
+    } else if (auto lifeline = host_.processes.lifeline(pids)) {
+        byApp_.insert_or_assign(app, Kept{pids, pids, std::move(lifeline)}); // the old one goes when the new is there
+    } else if (kept != byApp_.end()) {
+        kept->second.pids = std::move(pids);
     }
 }
 
@@ -41,29 +59,28 @@ void ReplacedPauses::thaw(std::string_view app)
 {
     const auto kept = byApp_.find(app);
     if (kept == byApp_.end()) return;
-    kept->second.lifeline->thaw();
+    Enforcer::resume(host_, kept->second.pids);
     byApp_.erase(kept);
 }
 
 void ReplacedPauses::thawAll()
 {
-    for (const auto& [app, kept] : byApp_) kept.lifeline->thaw();
+    for (const auto& [app, kept] : byApp_) Enforcer::resume(host_, kept.pids);
     byApp_.clear();
 }
 
-void ReplacedPauses::prune(const Host& host, const std::vector<SuspendedApp>& suspended)
+void ReplacedPauses::prune(const std::vector<SuspendedApp>& suspended)
 {
     const auto isPaused = [&](const std::string& app) {
-        return std::any_of(suspended.begin(), suspended.end(),
-                           [&](const SuspendedApp& entry) { return entry.app == app; });
+        return std::ranges::any_of(suspended, [&](const SuspendedApp& entry) { return entry.app == app; });
     };
-    const auto isAlive = [&](std::int32_t pid) { return Enforcer::isAlive(host, pid); };
-    std::erase_if(byApp_, [&](const auto& each) {
-        const Kept& kept = each.second;
-        const bool isForgotten = !isPaused(each.first);
-        if (isForgotten) kept.lifeline->thaw();
-        return isForgotten || std::none_of(kept.pids.begin(), kept.pids.end(), isAlive);
-    });
+    for (auto& [app, kept] : byApp_) {
+        std::erase_if(kept.pids, [&](std::int32_t pid) { return !Enforcer::isAlive(host_, pid); });
+        if (isPaused(app)) continue;
+        Enforcer::resume(host_, kept.pids);
+        kept.pids.clear();
+    }
+    std::erase_if(byApp_, [](const auto& each) { return each.second.pids.empty(); });
 }
 
 } // namespace quellon

@@ -341,7 +341,7 @@ private:
     std::set<std::string> chronic_;
     std::deque<GuardEvent> events_;
     std::vector<SuspendedApp> suspended_;
-    ReplacedPauses replacedPauses_;
+    ReplacedPauses replacedPauses_{host_};
     bool isRunning_ = false;
     Capabilities capabilities_;
     std::optional<BudgetStatus> budgetStatus_;

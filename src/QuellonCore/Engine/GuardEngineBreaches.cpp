@@ -119,7 +119,7 @@ void GuardEngine::enforce(const RuleBreach& breach, const std::vector<std::int32
     ledger_.clear(breach.app); // it starts from zero, so it does not breach again at once
     const auto acted = Enforcer::pids(processes);
     if (action == EnforcementAction::suspend) {
-        replacedPauses_.keep(host_, breach.app, suspended_, acted, table);
+        replacedPauses_.keep(breach.app, suspended_, acted, table);
         std::erase_if(suspended_, [&](const SuspendedApp& entry) { return entry.app == breach.app; });
     }
     follow(action, std::move(processes), {breach.app, acted, Enforcer::identities(host_, acted), breach.bytes, now});

@@ -114,7 +114,7 @@ void GuardEngine::pruneSuspended()
                             [this](std::int32_t pid) { return Enforcer::isAlive(host_, pid); });
     };
     if (std::erase_if(suspended_, isGone) > 0) persistence_.save(suspended_, Persistence::suspendedFile);
-    replacedPauses_.prune(host_, suspended_);
+    replacedPauses_.prune(suspended_);
 }
 
 void GuardEngine::recoverOrphansFromPreviousRun()

@@ -57,7 +57,7 @@ private:
     std::int32_t pid_;
 };
 
-/// While it is held: should this program die, by whatever cause, certain processes go on at once. To destroy it ends
+/// While it exists: should this program die, by whatever cause, certain processes go on at once. To destroy it ends
 /// that, and sends nothing to anybody. Main thread.
 class Lifeline {
 public:
@@ -65,9 +65,6 @@ public:
     virtual ~Lifeline() = default;
     Lifeline(const Lifeline&) = delete;
     Lifeline& operator=(const Lifeline&) = delete;
-
-    /// Lets them go on now.
-    virtual void thaw() = 0;
 };
 
 /// Seam: what the system says of processes, the program's own first of all, and what can be done to them.

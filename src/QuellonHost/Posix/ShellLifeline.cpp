@@ -1,42 +1,39 @@
 #include "QuellonHost/Posix/ShellLifeline.h"
 
-#include <csignal>
+#include "QuellonCore/Support/Time.h"
+#include "QuellonHost/Posix/Waiting.h"
+
 #include <string>
 #include <utility>
 
 namespace quellon {
 
+namespace {
+
+/// How long the end of a shell is waited for. A killed one takes no time, unless the system is stuck.
+constexpr Seconds killGrace{1.0};
+
+} // namespace
+
 std::unique_ptr<Lifeline> ShellLifeline::start(const std::vector<std::int32_t>& pids)
 {
-    std::vector<std::int32_t> processes;
-    std::string script = "cd /; read -r end";
+    std::string words;
     for (const std::int32_t pid : pids) {
-        if (pid <= 0) continue; // to `kill` it would mean a group
-        processes.push_back(pid);
-        script += "; kill -CONT " + std::to_string(pid) + " 2>/dev/null";
+        if (pid > 0) words += " " + std::to_string(pid); // to `kill`, others would mean a group
     }
-    if (processes.empty()) return nullptr;
-    auto shell = ChildProcess::startDetached({"/bin/sh", {"-c", std::move(script)}}, true);
+    if (words.empty()) return nullptr;
+    // In one command for all, since many processes must fit into one argument. It goes on after one that is gone.
+    auto shell = ChildProcess::startDetached(
+        {"/bin/sh", {"-c", "cd /; read -r end; kill -CONT" + words + " 2>/dev/null"}}, true);
     if (!shell) return nullptr;
-    return std::unique_ptr<Lifeline>{new ShellLifeline{std::move(processes), *std::move(shell)}};
-}
-
-ShellLifeline::ShellLifeline(std::vector<std::int32_t> pids, ChildProcess shell)
-    : pids_{std::move(pids)}, shell_{std::move(shell)}
-{
+    return std::unique_ptr<Lifeline>{new ShellLifeline{*std::move(shell)}};
 }
 
 ShellLifeline::~ShellLifeline()
 {
     // Before the pipe ends, at which the shell would do its work.
     shell_.kill();
-    shell_.awaitExit();
-    (void)shell_.reap(Deadline{});
-}
-
-void ShellLifeline::thaw()
-{
-    for (const std::int32_t pid : pids_) (void)::kill(pid, SIGCONT);
+    (void)shell_.reap(deadlineAfter(killGrace));
 }
 
 } // namespace quellon

@@ -31,11 +31,11 @@ struct HeldWorld : ActingWorld {
     }
 };
 
-/// What was done with lifelines.
+/// What was done with lifelines, and who went on.
 Lines ofLifelines(Lines lines)
 {
     std::erase_if(lines, [](const std::string& line) {
-        return !line.starts_with("hold ") && !line.starts_with("thaw ") && !line.starts_with("drop ");
+        return !line.starts_with("hold ") && !line.starts_with("CONT ") && !line.starts_with("drop ");
     });
     return lines;
 }
@@ -116,20 +116,20 @@ TEST(EngineReplacedPause, goesOnWithItsApplication)
     const Case cases[] = {
         {"resume",
          [](HeldWorld& world) { world.engine->resume(SuspendedApp{world.engine->suspended().front()}, 0.0); },
-         {"CONT 502", "thaw 501", "drop 501", "save suspended.json", "info: Resumed Player"}},
+         {"CONT 502", "CONT 501", "drop 501", "save suspended.json", "info: Resumed Player"}},
         {"resume of several by name",
          [](HeldWorld& world) {
              world.engine->resumeApps({"Studio", "Player"}, 0.0);
          },
-         {"CONT 502", "thaw 501", "drop 501", "save suspended.json", "info: Resumed Player"}},
+         {"CONT 502", "CONT 501", "drop 501", "save suspended.json", "info: Resumed Player"}},
         {"resume of all",
          [](HeldWorld& world) { world.engine->resumeAll(false); },
-         {"CONT 502", "thaw 501", "drop 501", "save suspended.json", "info: Resumed all (1)"}},
+         {"CONT 502", "CONT 501", "drop 501", "save suspended.json", "info: Resumed all (1)"}},
         {"stop",
          [](HeldWorld& world) { world.engine->stop(); },
-         {"CONT 502", "thaw 501", "drop 501", "save suspended.json", "save ledger.json", "save budget.json",
+         {"CONT 502", "CONT 501", "drop 501", "save suspended.json", "save ledger.json", "save budget.json",
           "save liveness.json", "info: Guard stopped"}},
-        {"the end of the engine", [](HeldWorld& world) { world.engine.reset(); }, {"thaw 501", "drop 501"}},
+        {"the end of the engine", [](HeldWorld& world) { world.engine.reset(); }, {"CONT 501", "drop 501"}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -163,7 +163,7 @@ TEST(EngineReplacedPause, anOldCopyOfAnEntryThawsItsOwnAndTheKept)
     world.roundWith(502, 2 * mebibyte);
     static_cast<void>(world.trace.take());
     world.engine->resume(old);
-    EXPECT_THAT(world.trace.take(), ElementsAre("CONT 501", "thaw 501", "drop 501", "save suspended.json",
+    EXPECT_THAT(world.trace.take(), ElementsAre("CONT 501", "CONT 501", "drop 501", "save suspended.json",
                                                 "info: Resumed Player · snoozed 15min"));
     EXPECT_TRUE(world.isStopped(502)) << "of the newer freeze, which is in the list still";
     ASSERT_EQ(world.engine->suspended().size(), 1U);
@@ -178,17 +178,25 @@ TEST(EngineReplacedPause, theSameProcessesAgainNeedNone)
     EXPECT_THAT(ofLifelines(world.roundWith(501, 2 * mebibyte)), ElementsAre("hold 501", "drop 501"));
 }
 
-TEST(EngineReplacedPause, whoIsNotTheApplicationsAnyMoreIsNotKept)
+TEST(EngineReplacedPause, whoIsKept)
 {
     struct Case {
         const char* name;
         void (*change)(HeldWorld&);
+        Lines lines;
     };
-    constexpr Case cases[] = {
-        {"it left the process table", [](HeldWorld& world) { world.leavesTable(501); }},
-        {"it has ended", [](HeldWorld& world) { world.leaves(501); }},
+    const Case cases[] = {
+        {"it runs on", [](HeldWorld&) {}, {"hold 502", "hold 501", "drop 502"}},
+        {"a table older than it does not list it",
+         [](HeldWorld& world) { world.leavesTable(501); },
+         {"hold 502", "hold 501", "drop 502"}},
+        {"it has ended", [](HeldWorld& world) { world.leaves(501); }, {"hold 502", "drop 502"}},
+        {"it has ended since the table was read",
+         [](HeldWorld& world) { world.host.process(501).alive = false; },
+         {"hold 502", "drop 502"}},
         {"another application has its id",
-         [](HeldWorld& world) { world.process(501, 501, 501, "/Applications/Studio.app/Contents/MacOS/Studio"); }},
+         [](HeldWorld& world) { world.process(501, 501, 501, "/Applications/Studio.app/Contents/MacOS/Studio"); },
+         {"hold 502", "drop 502"}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -196,8 +204,24 @@ TEST(EngineReplacedPause, whoIsNotTheApplicationsAnyMoreIsNotKept)
         world.roundWith(501, 2 * mebibyte);
         world.round();
         c.change(world);
-        EXPECT_THAT(ofLifelines(world.roundWith(502, 2 * mebibyte)), ElementsAre("hold 502", "drop 502"));
+        EXPECT_EQ(ofLifelines(world.roundWith(502, 2 * mebibyte)), c.lines);
+        world.engine->resumeAll(true);
+        EXPECT_FALSE(world.isStopped(501) && world.host.process(501).alive);
     }
+}
+
+TEST(EngineReplacedPause, whoIsKeptNoLongerGoesOn)
+{
+    HeldWorld world;
+    world.app("Player", {503});
+    world.freezeOneAfterTheOther();
+    world.round();
+    world.process(501, 501, 501, "/Applications/Studio.app/Contents/MacOS/Studio");
+    world.host.process(501).stopped = true;
+    EXPECT_THAT(ofLifelines(world.roundWith(503, 2 * mebibyte)),
+                ElementsAre("hold 503", "CONT 501", "hold 502", "drop 501", "drop 503"));
+    EXPECT_FALSE(world.isStopped(501));
+    EXPECT_TRUE(world.isStopped(502));
 }
 
 TEST(EngineReplacedPause, oneLifelineForAllThatWereReplaced)
@@ -230,6 +254,21 @@ TEST(EngineReplacedPause, withoutANewLifelineTheOldOneStays)
     EXPECT_THAT(ofLifelines(world.roundWith(503, 2 * mebibyte)), IsEmpty());
     world.engine->resumeAll(true);
     EXPECT_FALSE(world.isStopped(501));
+    EXPECT_FALSE(world.isStopped(502)) << "it was kept, even if not held";
+}
+
+TEST(EngineReplacedPause, whoCouldNotBeHeldIsHeldWhenItCan)
+{
+    HeldWorld world;
+    world.app("Player", {503});
+    world.freezeOneAfterTheOther();
+    world.round();
+    world.lifelines.areShort = true;
+    world.roundWith(503, 2 * mebibyte);
+    world.round();
+    world.lifelines.areShort = false;
+    EXPECT_THAT(ofLifelines(world.roundWith(503, 2 * mebibyte)),
+                ElementsAre("hold 503", "hold 501,502", "drop 501", "drop 503"));
 }
 
 TEST(EngineReplacedPause, twoOrdersOfTheUserReplacedByABreach)
@@ -258,13 +297,30 @@ TEST(EngineReplacedPause, endsWithItsLastProcess)
     EXPECT_THAT(ofLifelines(world.round()), ElementsAre("drop 501"));
 }
 
+TEST(EngineReplacedPause, aStrangerWithTheIdOfOneThatHasEndedIsLeftAlone)
+{
+    HeldWorld world;
+    world.app("Player", {503});
+    world.freezeOneAfterTheOther();
+    world.round();
+    world.roundWith(503, 2 * mebibyte);
+    world.leaves(501);
+    world.round();
+    world.process(501, 501, 501, "/Applications/Studio.app/Contents/MacOS/Studio");
+    world.host.process(501).stopped = true;
+    static_cast<void>(world.trace.take());
+    world.engine->resumeAll(true);
+    EXPECT_THAT(world.trace.take(), ElementsAre("CONT 503", "CONT 502", "drop 501,502", "save suspended.json"));
+    EXPECT_TRUE(world.isStopped(501));
+}
+
 TEST(EngineReplacedPause, isThawedWhenTheEntryThatReplacedItGoes)
 {
     HeldWorld world;
     world.freezeOneAfterTheOther();
     static_cast<void>(world.trace.take());
     world.leaves(502);
-    EXPECT_THAT(withoutCadence(world.round()), ElementsAre("save suspended.json", "thaw 501", "drop 501"));
+    EXPECT_THAT(withoutCadence(world.round()), ElementsAre("save suspended.json", "CONT 501", "drop 501"));
     EXPECT_FALSE(world.isStopped(501)) << "it is in no list, so nobody could resume it";
 }
 

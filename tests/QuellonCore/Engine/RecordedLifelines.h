@@ -10,13 +10,13 @@
 
 namespace quellon {
 
-/// Gives a scripted world lifelines, which tell the trace what becomes of them: "hold 501,502" when one is made, "thaw
-/// 501,502", which lets these processes go on, and "drop 501,502". Both must outlive its lifelines.
+/// Gives a scripted world lifelines, which tell the trace what becomes of them: "hold 501,502" when one is made, and
+/// "drop 501,502". Both must outlive its lifelines.
 class RecordedLifelines {
 public:
-    RecordedLifelines(ScriptedHost& world, EngineTrace& trace) : world_{world}, trace_{trace}
+    RecordedLifelines(ScriptedHost& world, EngineTrace& trace) : trace_{trace}
     {
-        world_.lifelines([this](const std::vector<std::int32_t>& pids) { return make(pids); });
+        world.lifelines([this](const std::vector<std::int32_t>& pids) { return make(pids); });
     }
 
     bool areShort = false; ///< No further one can be had.
@@ -29,11 +29,6 @@ private:
             tell("hold");
         }
         ~Recorded() override { tell("drop"); }
-        void thaw() override
-        {
-            tell("thaw");
-            for (const std::int32_t pid : pids_) all_.world_.process(pid).stopped = false;
-        }
 
     private:
         void tell(const char* what) { all_.trace_.told(fmt::format("{} {}", what, fmt::join(pids_, ","))); }
@@ -46,7 +41,6 @@ private:
         return areShort ? nullptr : std::make_unique<Recorded>(*this, pids);
     }
 
-    ScriptedHost& world_;
     EngineTrace& trace_;
 };
 

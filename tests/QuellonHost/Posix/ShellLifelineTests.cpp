@@ -1,16 +1,37 @@
+#include "QuellonHost/Posix/Waiting.h"
+#include "QuellonHost/Support/TemporaryFolder.h"
 #include "QuellonHost/SystemHost.h"
 
 #include <cerrno>
+#include <chrono>
 #include <csignal>
+#include <fstream>
+#include <functional>
 #include <gtest/gtest.h>
+#include <memory>
 #include <stdexcept>
 #include <sys/resource.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace quellon {
 namespace {
+
+using namespace std::chrono_literals;
+
+/// Waits until it holds; false when that takes too long.
+bool comesTrue(const std::function<bool()>& holds)
+{
+    const Deadline deadline = deadlineAfter(Seconds{20.0});
+    while (!holds()) {
+        if (std::chrono::steady_clock::now() > deadline) return false;
+        std::this_thread::sleep_for(1ms);
+    }
+    return true;
+}
 
 /// A child of the test, frozen and thawed under its eyes.
 class Victim {
@@ -27,21 +48,30 @@ public:
         waitpid(pid_, nullptr, 0);
     }
     [[nodiscard]] pid_t pid() const { return pid_; }
-    /// Waits until the next thing happens to it; whether that is the one.
+    /// Waits until the next thing happens to it; whether that is the one, and came in time.
     [[nodiscard]] bool isStoppedNext() const
     {
-        int status = 0;
-        return waitpid(pid_, &status, WUNTRACED | WCONTINUED) == pid_ && WIFSTOPPED(status);
+        const int status = nextStatus();
+        return status != nothing && WIFSTOPPED(status);
     }
     [[nodiscard]] bool isContinuedNext() const
     {
-        int status = 0;
-        return waitpid(pid_, &status, WUNTRACED | WCONTINUED) == pid_ && WIFCONTINUED(status);
+        const int status = nextStatus();
+        return status != nothing && WIFCONTINUED(status);
     }
     /// Whether it was left as it is so far.
     [[nodiscard]] bool isUntouched() const { return waitpid(pid_, nullptr, WUNTRACED | WCONTINUED | WNOHANG) == 0; }
 
 private:
+    static constexpr int nothing = 0; // which would be an orderly end; nobody ends so here
+
+    [[nodiscard]] int nextStatus() const
+    {
+        int status = nothing;
+        (void)comesTrue([&] { return waitpid(pid_, &status, WUNTRACED | WCONTINUED | WNOHANG) != 0; });
+        return status;
+    }
+
     pid_t pid_;
 };
 
@@ -63,6 +93,7 @@ public:
     OtherGuard& operator=(const OtherGuard&) = delete;
     ~OtherGuard()
     {
+        if (pid_ != 0) dieOf(SIGKILL);
         for (const int end : done_) close(end);
     }
 
@@ -75,7 +106,7 @@ public:
     void dieOf(int signal)
     {
         ::kill(pid_, signal);
-        waitpid(pid_, nullptr, 0);
+        waitpid(std::exchange(pid_, 0), nullptr, 0);
     }
 
 private:
@@ -125,14 +156,39 @@ TEST_F(LifelineTest, isNoneAnyMoreOnceItIsDropped)
     EXPECT_TRUE(second.isUntouched());
 }
 
-TEST_F(LifelineTest, thawsAtOnce)
+TEST_F(LifelineTest, endsWithTheGuardWhateverElseThatStarted)
 {
-    const auto lifeline = processes.lifeline(both);
-    ASSERT_NE(lifeline, nullptr);
-    for (const std::int32_t pid : both) ::kill(pid, SIGSTOP);
-    EXPECT_TRUE(first.isStoppedNext());
-    EXPECT_TRUE(second.isStoppedNext());
-    lifeline->thaw();
+    const testing::TemporaryFolder folder;
+    const auto place = folder / "pid";
+    OtherGuard guard{[&] {
+        static const auto one = processes.lifeline({first.pid()});
+        static const auto other = processes.lifeline({second.pid()});
+        (void)processes.spawnDetached({"/bin/sh", {"-c", "echo $$ > " + place.string() + "; exec sleep 60"}});
+        for (const std::int32_t pid : both) ::kill(pid, SIGSTOP);
+    }};
+    EXPECT_FALSE(guard.isAlone());
+    pid_t outliving = 0;
+    EXPECT_TRUE(comesTrue([&] { return bool{std::ifstream{place} >> outliving}; }));
+    ASSERT_TRUE(first.isStoppedNext());
+    ASSERT_TRUE(second.isStoppedNext());
+    guard.dieOf(SIGKILL);
+    EXPECT_TRUE(first.isContinuedNext());
+    EXPECT_TRUE(second.isContinuedNext());
+    ASSERT_GT(outliving, 0);
+    EXPECT_EQ(::kill(outliving, SIGKILL), 0) << "it has outlived the guard";
+}
+
+TEST_F(LifelineTest, reachesTheOthersWhenOneIsGone)
+{
+    const auto gone = std::make_unique<Victim>()->pid();
+    OtherGuard guard{[&] {
+        static const auto lifeline = processes.lifeline({gone, first.pid(), gone, second.pid()});
+        for (const std::int32_t pid : both) ::kill(pid, SIGSTOP);
+    }};
+    EXPECT_FALSE(guard.isAlone());
+    ASSERT_TRUE(first.isStoppedNext());
+    ASSERT_TRUE(second.isStoppedNext());
+    guard.dieOf(SIGKILL);
     EXPECT_TRUE(first.isContinuedNext());
     EXPECT_TRUE(second.isContinuedNext());
 }
@@ -143,6 +199,13 @@ TEST_F(LifelineTest, ofNobodyThereIsNone)
     // Given to a shell as they stand, these would mean this test's group and everybody.
     EXPECT_EQ(processes.lifeline({0, -1, -first.pid()}), nullptr);
     EXPECT_NE(processes.lifeline({0, first.pid()}), nullptr);
+}
+
+TEST_F(LifelineTest, isOfThousandsButNotOfMoreThanASystemCouldRun)
+{
+    EXPECT_NE(processes.lifeline(std::vector<std::int32_t>(10'000, first.pid())), nullptr);
+    EXPECT_EQ(processes.lifeline(std::vector<std::int32_t>(200'000, first.pid())), nullptr)
+        << "nothing can be started with so long an argument";
 }
 
 TEST_F(LifelineTest, whereNothingCanBeStartedThereIsNone)
