@@ -79,7 +79,7 @@ def thawing_shells(process: int) -> dict:
                 words = file.read().split("\0")
         except OSError:
             continue
-        if words[:2] == ["/bin/sh", "-c"] and f"kill -CONT {process} " in words[2]:
+        if words[:2] == ["/bin/sh", "-c"] and re.search(rf"kill -CONT( \d+)* {process} ", words[2]):
             found[candidate] = words[2]
     return found
 
