@@ -59,7 +59,7 @@ public:
         QObject::connect(&window_, &OverviewWindow::answered, &window_,
                          [this](std::size_t button) { controls_.answer(button); });
         QObject::connect(&window_, &OverviewWindow::resumed, &window_,
-                         [this](const std::string& app) { controls_.resume(app); });
+                         [this](const std::string& id) { controls_.resume(id); });
         refresh();
     }
 

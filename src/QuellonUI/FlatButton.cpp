@@ -1,5 +1,6 @@
 #include "QuellonUI/FlatButton.h"
 
+#include <QMouseEvent>
 #include <QPainter>
 
 namespace quellon {
@@ -26,6 +27,10 @@ FlatButton::FlatButton(QWidget* parent) : QPushButton(parent)
     setFocusPolicy(Qt::TabFocus);
     // The style's own size would leave room for a frame.
     setStyleSheet(QStringLiteral("padding: %1px %2px; border: 0; min-width: 0").arg(topPadding).arg(sidePadding));
+    connect(this, &QPushButton::pressed, this, [this] { counts_ = !held_; });
+    connect(this, &QPushButton::clicked, this, [this] {
+        if (counts_) Q_EMIT chosen();
+    });
 }
 
 void FlatButton::setKind(Kind kind)
@@ -39,6 +44,26 @@ void FlatButton::setTheme(const Theme& theme)
 {
     theme_ = theme;
     update();
+}
+
+void FlatButton::setHeld(bool held)
+{
+    if (held == held_) return;
+    held_ = held;
+    update();
+}
+
+void FlatButton::lapse()
+{
+    counts_ = false;
+}
+
+void FlatButton::mouseMoveEvent(QMouseEvent* event)
+{
+    // A pressed mouse that leaves and comes back is told as pressed anew, and is the same press.
+    const bool counts = counts_;
+    QPushButton::mouseMoveEvent(event);
+    counts_ = counts;
 }
 
 QColor FlatButton::fill() const
@@ -73,9 +98,10 @@ void FlatButton::paintEvent(QPaintEvent* /*event*/)
 {
     constexpr double pressedOpacity = 0.6;
     constexpr double hoverOpacity = 0.85;
+    constexpr double heldOpacity = 0.4;
     QPainter painter{this};
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setOpacity(isDown() ? pressedOpacity : underMouse() ? hoverOpacity : 1.0);
+    painter.setOpacity(held_ ? heldOpacity : isDown() ? pressedOpacity : underMouse() ? hoverOpacity : 1.0);
     const QRectF area = QRectF{rect()}.adjusted(1, 1, -1, -1);
     painter.setPen(Qt::NoPen);
     painter.setBrush(fill());

@@ -56,7 +56,7 @@ NoticeCard::NoticeCard(QWidget* parent)
     dismiss_->setText(QStringLiteral("✕"));
     dismiss_->setAccessibleName(QStringLiteral("Dismiss"));
     dismiss_->setToolTip(QStringLiteral("Dismiss"));
-    connect(dismiss_, &QPushButton::clicked, this, &NoticeCard::dismissed);
+    connect(dismiss_, &FlatButton::chosen, this, &NoticeCard::dismissed);
     arrange();
     hide();
 }
@@ -86,7 +86,9 @@ void NoticeCard::setNotice(const std::optional<ControlsModel::Notice>& notice, c
     place_->setText(toQString(place));
     place_->setVisible(!place.empty());
     if (notice == notice_) return;
+    const bool isAnother = !notice || !notice_ || notice->serial != notice_->serial;
     notice_ = notice;
+    if (isAnother) lapse();
     setVisible(notice_.has_value());
     if (!notice_) return;
     title_->setText(toQString(notice_->title));
@@ -100,13 +102,27 @@ void NoticeCard::setNotice(const std::optional<ControlsModel::Notice>& notice, c
     colour();
 }
 
+void NoticeCard::setHeld(bool held)
+{
+    held_ = held;
+    dismiss_->setHeld(held);
+    for (FlatButton* const each : buttons_) each->setHeld(held);
+}
+
+void NoticeCard::lapse()
+{
+    dismiss_->lapse();
+    for (FlatButton* const each : buttons_) each->lapse();
+}
+
 void NoticeCard::showButtons()
 {
     const auto& wanted = notice_->buttons;
     for (std::size_t i = buttons_.size(); i < wanted.size(); ++i) {
         auto* const button = new FlatButton{card_};
         button->setTheme(theme_);
-        connect(button, &QPushButton::clicked, this, [this, i] { Q_EMIT answered(i); });
+        button->setHeld(held_);
+        connect(button, &FlatButton::chosen, this, [this, i] { Q_EMIT answered(i); });
         const int place = static_cast<int>(i);
         buttonLayout_->addWidget(button, place / buttonsInARow, place % buttonsInARow);
         buttons_.push_back(button);

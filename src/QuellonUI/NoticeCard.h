@@ -23,15 +23,18 @@ public:
 
     /// `place` stands beside the title: "1 of 3". Returns at once when all that is what is shown.
     void setNotice(const std::optional<ControlsModel::Notice>& notice, const std::string& place);
+    /// While it is held nothing can be pressed, and the buttons are faint.
+    void setHeld(bool held);
     void setTheme(const Theme& theme);
 
 Q_SIGNALS:
-    /// The button, 0 for the first.
+    /// The button, 0 for the first, of the notification that was shown throughout the press.
     void answered(std::size_t button);
     void dismissed();
 
 private:
     std::optional<ControlsModel::Notice> notice_;
+    bool held_ = false;
     Theme theme_;
     Card* card_;
     StatusDot* dot_;
@@ -43,6 +46,7 @@ private:
     std::vector<FlatButton*> buttons_; ///< As many as were ever needed.
 
     void arrange();
+    void lapse();
     void showButtons();
     void colour();
 };

@@ -187,11 +187,13 @@ void OverviewWindow::setModel(const OverviewModel& model)
 void OverviewWindow::setControls(const ControlsModel& controls)
 {
     if (controls == controls_) return;
-    const bool asks = controls.question && controls.question != controls_.question;
+    const bool asks =
+        controls.question && (!controls_.question || controls.question->serial != controls_.question->serial);
     const bool selects = controls.selectedRow && controls.selectedRow != controls_.selectedRow;
     controls_ = controls;
     note_->setNotice(controls_.note, {});
     question_->setNotice(controls_.question, controls_.questionPlace);
+    question_->setHeld(controls_.held);
     paused_->setPaused(controls_.paused);
     if (selects) usage_->setCurrentIndex(usageValues_.index(static_cast<int>(*controls_.selectedRow), 0));
     if (asks) QApplication::alert(this);

@@ -28,15 +28,16 @@ public:
     /// Shows this overview; returns at once when it is the one that is shown.
     void setModel(const OverviewModel& model);
     /// Shows the notifications, what is paused and which application is selected; returns at once when it is that which
-    /// is shown. A question that comes to its turn asks for attention when another window has it.
+    /// is shown. A question that comes to its turn asks for attention when another window has it,
+    /// and so does one that says the same as the one before.
     void setControls(const ControlsModel& controls);
 
 Q_SIGNALS:
     void commanded(ControlCommand command);
     /// A button of the question, 0 for the first.
     void answered(std::size_t button);
-    /// A paused application is to be resumed, by the name that is shown.
-    void resumed(const std::string& app);
+    /// A paused application is to be resumed, by the id of its entry.
+    void resumed(const std::string& id);
 
 protected:
     bool event(QEvent* event) override;

@@ -15,7 +15,7 @@ PausedList::PausedList(QWidget* parent)
 {
     heading_->setText(QStringLiteral("Paused"));
     resumeAll_->setText(QStringLiteral("Resume all"));
-    connect(resumeAll_, &QPushButton::clicked, this, &PausedList::allResumed);
+    connect(resumeAll_, &FlatButton::chosen, this, &PausedList::allResumed);
     auto* const layout = new QVBoxLayout{this};
     layout->setContentsMargins(0, 16, 0, 0);
     layout->setSpacing(4);
@@ -34,8 +34,8 @@ void PausedList::addRow(QVBoxLayout& layout)
     const Row row{line, new TextLabel{Fonts::body(), line}, new TextLabel{Fonts::caption(), line},
                   new FlatButton{line}};
     row.resume->setText(QStringLiteral("Resume"));
-    connect(row.resume, &QPushButton::clicked, this, [this, place = rows_.size()] {
-        if (place < paused_.size()) Q_EMIT resumed(paused_[place].app);
+    connect(row.resume, &FlatButton::chosen, this, [this, place = rows_.size()] {
+        if (place < paused_.size()) Q_EMIT resumed(paused_[place].id);
     });
     auto* const inner = new QHBoxLayout{line};
     inner->setContentsMargins(0, 0, 0, 0);
@@ -50,6 +50,10 @@ void PausedList::addRow(QVBoxLayout& layout)
 void PausedList::setPaused(const std::vector<ControlsModel::Paused>& paused)
 {
     if (paused == paused_) return;
+    for (std::size_t i = 0; i < rows_.size(); ++i) {
+        const bool stays = i < paused.size() && i < paused_.size() && paused[i].id == paused_[i].id;
+        if (!stays) rows_[i].resume->lapse();
+    }
     paused_ = paused;
     setVisible(!paused_.empty());
     for (std::size_t i = 0; i < rows_.size(); ++i) {

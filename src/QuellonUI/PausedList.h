@@ -27,8 +27,8 @@ public:
     void setTheme(const Theme& theme);
 
 Q_SIGNALS:
-    /// The application, by the name that is shown.
-    void resumed(const std::string& app);
+    /// The application, by the id of its entry, whose row it was throughout the press.
+    void resumed(const std::string& id);
     void allResumed();
 
 private:

@@ -42,7 +42,8 @@ ControlsModel controlled(std::size_t paused = 2)
     ControlsModel model;
     model.question = askedNotice();
     for (std::size_t i = 0; i < paused; ++i) {
-        model.paused.push_back({i == 0 ? "cloud-sync" : fmt::format("app{}", i), "3 min ago", i == 0});
+        const std::string app = i == 0 ? "cloud-sync" : fmt::format("app{}", i);
+        model.paused.push_back({app, "3 min ago", i == 0, app + "-5.0"});
     }
     return model;
 }
@@ -69,7 +70,7 @@ protected:
         QObject::connect(&window, &OverviewWindow::answered, &window,
                          [this](std::size_t button) { reported.push_back(fmt::format("answer {}", button)); });
         QObject::connect(&window, &OverviewWindow::resumed, &window,
-                         [this](const std::string& app) { reported.push_back("resume " + app); });
+                         [this](const std::string& id) { reported.push_back("resume " + id); });
         window.setModel(overview());
         window.show();
     }
@@ -131,6 +132,7 @@ TEST_F(WindowControlsTest, aQuestion)
                                         fmt::format("command {}", static_cast<int>(ControlCommand::dismiss))}));
     auto next = controlled(0);
     next.question = pausedNotice();
+    next.question->serial = 2;
     next.questionPlace = "1 of 2";
     show(next);
     EXPECT_TRUE(shows("cloud-sync was paused"));
@@ -162,14 +164,15 @@ TEST_F(WindowControlsTest, whatIsPaused)
     EXPECT_EQ(buttons(), (std::vector<std::string>{"Resume all", "Resume", "Resume"}));
     click("Resume app1");
     click("Resume all");
-    EXPECT_EQ(reported, (std::vector<std::string>{
-                            "resume app1", fmt::format("command {}", static_cast<int>(ControlCommand::resumeAll))}));
+    EXPECT_EQ(reported,
+              (std::vector<std::string>{"resume app1-5.0",
+                                        fmt::format("command {}", static_cast<int>(ControlCommand::resumeAll))}));
     model.paused.erase(model.paused.begin());
     show(model);
     EXPECT_FALSE(shows("cloud-sync"));
     reported.clear();
     click("Resume");
-    EXPECT_EQ(reported, (std::vector<std::string>{"resume app1"}));
+    EXPECT_EQ(reported, (std::vector<std::string>{"resume app1-5.0"}));
 }
 
 TEST_F(WindowControlsTest, ofManyTheFirstHaveALine)

@@ -23,14 +23,14 @@ void Controls::show(const NotificationPlan& plan)
 {
     settle();
     if (plan.style == NotificationStyle::transient) {
-        note_ = plan;
+        note_ = Notification{plan, ++lastSerial_};
         noteEnd_ = engine_.host().runLoop.after(transientTime, [this] {
             note_.reset();
             soon();
         });
         if (questions_.empty()) hold();
     } else {
-        questions_.push_back(plan);
+        questions_.push_back({plan, ++lastSerial_});
         if (questions_.size() == 1) hold();
         if (questions_.size() > mostQuestions) takeQuestion();
     }
@@ -44,12 +44,15 @@ void Controls::soon()
 
 void Controls::hold()
 {
-    hold_ = engine_.host().runLoop.after(holdTime, [this] { hold_.reset(); });
+    hold_ = engine_.host().runLoop.after(holdTime, [this] {
+        hold_.reset();
+        changed_();
+    });
 }
 
 NotificationPlan Controls::takeQuestion()
 {
-    NotificationPlan plan = std::move(questions_.front());
+    NotificationPlan plan = std::move(questions_.front().plan);
     questions_.pop_front();
     hold();
     return plan;
@@ -57,8 +60,8 @@ NotificationPlan Controls::takeQuestion()
 
 void Controls::settle()
 {
-    const bool endsTurn = !questions_.empty() && isMoot(questions_.front());
-    std::erase_if(questions_, [this](const NotificationPlan& plan) { return isMoot(plan); });
+    const bool endsTurn = !questions_.empty() && isMoot(questions_.front().plan);
+    std::erase_if(questions_, [this](const Notification& each) { return isMoot(each.plan); });
     if (endsTurn) hold();
 }
 
@@ -142,14 +145,18 @@ ControlsModel Controls::model(Date now)
     }
     const auto app = selected();
     for (const SuspendedApp& each : engine_.suspended()) {
-        model.paused.push_back({plainText(each.app), AppActionPresentation::relative(each.at, now), each.app == app});
+        model.paused.push_back(
+            {plainText(each.app), AppActionPresentation::relative(each.at, now), each.app == app, each.id()});
     }
     const auto& usage = engine_.usage();
     const auto row = std::find_if(usage.begin(), usage.end(), [&](const AppUsage& each) { return each.app == app; });
     if (row != usage.end()) model.selectedRow = static_cast<std::size_t>(row - usage.begin());
-    if (!questions_.empty()) model.question = ControlsModel::Notice::of(questions_.front());
+    if (!questions_.empty()) {
+        model.question = ControlsModel::Notice::of(questions_.front().plan, questions_.front().serial);
+        model.held = static_cast<bool>(hold_);
+    }
     if (questions_.size() > 1) model.questionPlace = fmt::format("1 of {}", questions_.size());
-    if (note_) model.note = ControlsModel::Notice::of(*note_);
+    if (note_) model.note = ControlsModel::Notice::of(note_->plan, note_->serial);
     model.offers = offers();
     return model;
 }
@@ -190,11 +197,11 @@ void Controls::perform(ControlCommand command)
     soon();
 }
 
-void Controls::resume(const std::string& name)
+void Controls::resume(const std::string& id)
 {
     const auto& paused = engine_.suspended();
-    const auto entry = std::find_if(paused.begin(), paused.end(),
-                                    [&](const SuspendedApp& each) { return plainText(each.app) == name; });
+    const auto entry =
+        std::find_if(paused.begin(), paused.end(), [&](const SuspendedApp& each) { return each.id() == id; });
     if (entry == paused.end()) return;
     engine_.resumeApps({entry->app}, 0);
     soon();
@@ -214,7 +221,7 @@ void Controls::dismiss()
 void Controls::answer(std::size_t button)
 {
     settle();
-    if (hold_ || questions_.empty() || button >= questions_.front().actions.size()) return;
+    if (hold_ || questions_.empty() || button >= questions_.front().plan.actions.size()) return;
     const NotificationPlan plan = takeQuestion();
     NotificationActionRouter::perform(plan.actions[button], plan.apps, engine_, [&](SettingsTab /*tab*/) {
         if (!plan.apps.empty()) choice_ = plan.apps.front();

@@ -4,6 +4,7 @@
 #include "QuellonCore/Presentation/ControlsModel.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <optional>
@@ -35,18 +36,23 @@ public:
     /// Does nothing for what the model does not offer.
     void perform(ControlCommand command);
 
-    /// Resumes the paused application that the model shows by this name, without a snooze. Does nothing when there is
-    /// none.
-    void resume(const std::string& name);
+    /// Resumes the paused application whose entry has this id in the model, without a snooze. Does nothing when there
+    /// is none.
+    void resume(const std::string& id);
 
     /// Presses a button of the question, 0 for the first; with that the question is answered, and the next one has its
     /// turn. Does nothing when there is no such button, or within `holdTime` of the question's turn.
     void answer(std::size_t button);
 
 private:
+    struct Notification {
+        NotificationPlan plan;
+        std::uint64_t serial; ///< They are numbered as they come.
+    };
+
     void show(const NotificationPlan& plan);
     void soon();
-    /// Lets `holdTime` begin.
+    /// Lets `holdTime` begin; its end is a change of the model.
     void hold();
     /// Ends the turn of the question that is shown; there must be one.
     NotificationPlan takeQuestion();
@@ -66,8 +72,9 @@ private:
     GuardEngine& engine_;
     std::function<void()> changed_;
     std::optional<std::string> choice_;
-    std::deque<NotificationPlan> questions_; ///< The persistent ones, oldest first; the first is shown.
-    std::optional<NotificationPlan> note_;   ///< The latest transient one.
+    std::uint64_t lastSerial_ = 0;
+    std::deque<Notification> questions_; ///< The persistent ones, oldest first; the first is shown.
+    std::optional<Notification> note_;   ///< The latest transient one.
     RunLoop::Handle noteEnd_;
     RunLoop::Handle hold_; ///< While it stands, nothing is answered or dismissed.
     RunLoop::Handle soon_;

@@ -5,10 +5,11 @@
 
 namespace quellon {
 
-ControlsModel::Notice ControlsModel::Notice::of(const NotificationPlan& plan)
+ControlsModel::Notice ControlsModel::Notice::of(const NotificationPlan& plan, std::uint64_t serial)
 {
     Notice result;
     result.style = plan.style;
+    result.serial = serial;
     result.title = plainText(plan.title);
     for (std::string_view rest : {std::string_view{plan.subtitle}, std::string_view{plan.body}}) {
         while (!rest.empty()) {

@@ -6,6 +6,7 @@
 #include "QuellonCore/Presentation/MenuPresentation.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -25,7 +26,7 @@ enum class ControlCommand {
 };
 
 /// What a view with controls shows beside the overview, in words; it draws that and adds nothing. Every text is fit
-/// for a line (`plainText`).
+/// for a line (`plainText`), except for what is no text but an identity.
 struct ControlsModel {
     /// A command that has an effect now, and what it does: "stops". Selecting is offered as `selectNext`, for both
     /// directions.
@@ -40,6 +41,7 @@ struct ControlsModel {
         std::string app;
         std::string since; ///< "5 min ago".
         bool selected = false;
+        std::string id{}; ///< The entry's own (`SuspendedApp::id`), never shown.
         bool operator==(const Paused&) const = default;
     };
 
@@ -56,9 +58,10 @@ struct ControlsModel {
         std::string title;
         std::vector<std::string> text; ///< Subtitle and body, line by line, none of them empty.
         std::vector<Button> buttons;
+        std::uint64_t serial = 0; ///< Which one it is: of the same `Controls` no other has it, whatever it says.
         bool operator==(const Notice&) const = default;
 
-        [[nodiscard]] static Notice of(const NotificationPlan& plan);
+        [[nodiscard]] static Notice of(const NotificationPlan& plan, std::uint64_t serial = 0);
     };
 
     static constexpr std::string_view pausedHeading = "paused";
@@ -70,6 +73,7 @@ struct ControlsModel {
     std::optional<std::size_t> selectedRow; ///< Where the selected application stands among the engine's `usage`.
     std::optional<Notice> question;         ///< The oldest persistent notification that waits for an answer.
     std::string questionPlace;              ///< "1 of 3" while more of them wait.
+    bool held = false;                      ///< The question is new: what is pressed now is not taken for an answer.
     std::optional<Notice> note;             ///< The latest transient one.
     std::vector<Offer> offers;              ///< In the order in which they are shown.
 

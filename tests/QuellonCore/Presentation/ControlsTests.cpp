@@ -1,11 +1,8 @@
-#include "QuellonCore/Presentation/Controls.h"
-
-#include "QuellonCore/Engine/ActingWorld.h"
+#include "QuellonCore/Presentation/ControlsTest.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <string>
 #include <vector>
 
 namespace quellon {
@@ -15,75 +12,6 @@ using testing::ElementsAre;
 using testing::Field;
 using testing::IsEmpty;
 using Command = ControlCommand;
-
-/// A guard with controls on a hotspot; Player has two processes, Mailer one. Snoozes take 20 minutes.
-class ControlsTest : public testing::Test {
-protected:
-    ActingWorld world;
-    NotificationFeed feed;
-    int changes = 0;
-    std::optional<Controls> controls;
-
-    ControlsTest()
-    {
-        world.app("Mailer", {601});
-        world.settings.snoozeMinutes = 20;
-        world.options.notifier = [this](const NotificationPlan& plan) { feed.deliver(plan); };
-        world.begin();
-        controls.emplace(*world.engine, feed, [this] { ++changes; });
-    }
-
-    ControlsModel model() { return controls->model(world.host.now()); }
-    /// The next round, in which the application has received more than its rule allows.
-    void freeze(std::int32_t pid) { static_cast<void>(world.roundWith(pid, 2 * mebibyte)); }
-    ActingWorld::Lines perform(Command command)
-    {
-        static_cast<void>(world.trace.take());
-        controls->perform(command);
-        return world.trace.take();
-    }
-    /// Presses once the question has been there for a while.
-    ActingWorld::Lines answer(std::size_t button)
-    {
-        world.host.advance(Controls::holdTime);
-        return answerAtOnce(button);
-    }
-    ActingWorld::Lines answerAtOnce(std::size_t button)
-    {
-        static_cast<void>(world.trace.take());
-        controls->answer(button);
-        return world.trace.take();
-    }
-    ActingWorld::Lines dismiss()
-    {
-        world.host.advance(Controls::holdTime);
-        return perform(Command::dismiss);
-    }
-    /// The title of the question that is shown, and its place among those that wait; "none" without one.
-    std::string shownQuestion()
-    {
-        const auto shown = model();
-        if (!shown.question) return "none";
-        return shown.questionPlace.empty() ? shown.question->title
-                                           : fmt::format("{}, {}", shown.question->title, shown.questionPlace);
-    }
-    std::vector<std::string> effects()
-    {
-        std::vector<std::string> result;
-        for (const auto& offer : model().offers) result.emplace_back(offer.effect);
-        return result;
-    }
-
-    static NotificationPlan plan(std::string title, NotificationStyle style, std::vector<NotificationAction> actions,
-                                 std::vector<std::string> apps = {"Player"})
-    {
-        return {style, std::move(title), "", "", std::move(actions), std::move(apps)};
-    }
-    static NotificationPlan question(std::string title)
-    {
-        return plan(std::move(title), NotificationStyle::persistent, {NotificationAction::snooze});
-    }
-};
 
 TEST_F(ControlsTest, atTheBeginning)
 {
@@ -104,14 +32,16 @@ TEST_F(ControlsTest, aFrozenApplication)
     freeze(501);
     const auto shown = model();
     EXPECT_EQ(shown.menuBar.title, "1");
-    EXPECT_THAT(shown.paused, ElementsAre(ControlsModel::Paused{"Player", "just now", true}));
+    EXPECT_THAT(shown.paused,
+                ElementsAre(ControlsModel::Paused{"Player", "just now", true, world.engine->suspended().at(0).id()}));
     ASSERT_TRUE(shown.question);
     EXPECT_EQ(*shown.question,
               (ControlsModel::Notice{
                   NotificationStyle::persistent,
                   "Player was paused",
                   {"2.0 MB in 1min", "It is frozen, not closed — resume and it picks up where it left off."},
-                  {{"Resume", false}, {"Resume + snooze", false}}}));
+                  {{"Resume", false}, {"Resume + snooze", false}},
+                  1}));
     EXPECT_THAT(effects(), ElementsAre("stops", "resumes", "resumes all", "snoozes", "select", "dismisses"));
     static_cast<void>(world.rounds(36));
     EXPECT_EQ(model().paused.at(0).since, "3 min ago");
@@ -193,18 +123,38 @@ TEST_F(ControlsTest, nothingIsSelectedAmongWhatMovesUntilTheUserDoes)
     EXPECT_EQ(model().selectedRow, world.engine->usage().size() - 1) << "upwards begins at the end";
 }
 
-TEST_F(ControlsTest, resumeByTheNameThatIsShown)
+TEST_F(ControlsTest, anEntryIsResumedWhateverItsNameLooksLike)
 {
-    world.app("ev\x1Bil", {801});
-    world.engine->enforceNow({"Player", "ev\x1Bil"}, EnforcementAction::suspend);
+    world.app("ev\x01il", {801});
+    world.app("ev\x02il", {802});
+    world.engine->enforceNow({"ev\x01il", "ev\x02il"}, EnforcementAction::suspend);
     static_cast<void>(world.trace.take());
-    controls->resume("nobody");
-    EXPECT_THAT(world.trace.take(), IsEmpty());
-    controls->resume("ev�il");
-    EXPECT_THAT(world.trace.take(), ElementsAre("CONT 801", "save suspended.json", "info: Resumed ev\x1Bil"));
-    controls->resume("ev�il");
+    const auto paused = model().paused;
+    ASSERT_THAT(paused,
+                ElementsAre(Field(&ControlsModel::Paused::app, "ev�il"), Field(&ControlsModel::Paused::app, "ev�il")));
+    EXPECT_EQ(paused[1].id, world.engine->suspended().at(1).id());
+    for (const char* none : {"", "nobody", "ev�il", "ev\x02il"}) {
+        controls->resume(none);
+        EXPECT_THAT(world.trace.take(), IsEmpty()) << none;
+    }
+    controls->resume(paused[1].id);
+    EXPECT_THAT(world.trace.take(), ElementsAre("CONT 802", "save suspended.json", "info: Resumed ev\x02il"));
+    controls->resume(paused[1].id);
     EXPECT_THAT(world.trace.take(), IsEmpty()) << "it is not paused any more";
-    EXPECT_THAT(model().paused, ElementsAre(Field(&ControlsModel::Paused::app, "Player")));
+    EXPECT_THAT(model().paused, ElementsAre(Field(&ControlsModel::Paused::id, paused[0].id)));
+}
+
+TEST_F(ControlsTest, anEntryOfAFormerFreezeResumesNothing)
+{
+    world.engine->enforceNow({"Player"}, EnforcementAction::suspend);
+    const auto former = model().paused.at(0).id;
+    world.engine->resumeAll(true);
+    world.host.advance(1s);
+    world.engine->enforceNow({"Player"}, EnforcementAction::suspend);
+    static_cast<void>(world.trace.take());
+    controls->resume(former);
+    EXPECT_THAT(world.trace.take(), IsEmpty());
+    EXPECT_NE(model().paused.at(0).id, former);
 }
 
 TEST_F(ControlsTest, stopAndStart)
@@ -218,216 +168,6 @@ TEST_F(ControlsTest, stopAndStart)
     EXPECT_THAT(effects(), ElementsAre("stops"));
 }
 
-TEST_F(ControlsTest, answers)
-{
-    freeze(501);
-    EXPECT_THAT(answer(2), IsEmpty()) << "there are two buttons";
-    ASSERT_TRUE(model().question);
-    EXPECT_THAT(answer(1), ElementsAre("CONT 501", "save suspended.json", "info: Resumed Player · snoozed 20min"));
-    EXPECT_EQ(model().question, std::nullopt);
-    EXPECT_THAT(answer(0), IsEmpty()) << "an answer counts once";
-}
-
-TEST_F(ControlsTest, everyButtonDoesWhatItSays)
-{
-    feed.deliver(plan("Player is reaching for the hotspot", NotificationStyle::persistent,
-                      {NotificationAction::terminate, NotificationAction::allowOnce, NotificationAction::muteToday,
-                       NotificationAction::view}));
-    EXPECT_THAT(model().question->buttons,
-                ElementsAre(ControlsModel::Button{"Stop it", true}, ControlsModel::Button{"Allow until done", false},
-                            ControlsModel::Button{"Stop asking today", false},
-                            ControlsModel::Button{"Show details", false}));
-    EXPECT_THAT(answer(1), ElementsAre("info: Player allowed until this transfer finishes"));
-    EXPECT_EQ(model().question, std::nullopt);
-}
-
-TEST_F(ControlsTest, showDetailsSelects)
-{
-    world.app("Radio", {701});
-    world.moves(601, 100);
-    static_cast<void>(world.roundWith(701, 1000));
-    feed.deliver(plan("t", NotificationStyle::persistent, {NotificationAction::view}, {"Mailer", "Radio"}));
-    EXPECT_THAT(answer(0), IsEmpty());
-    EXPECT_EQ(model().selectedRow, 1U);
-    feed.deliver(plan("t", NotificationStyle::persistent, {NotificationAction::view}, {}));
-    EXPECT_THAT(answer(0), IsEmpty());
-    EXPECT_EQ(model().selectedRow, 1U);
-}
-
-TEST_F(ControlsTest, questionsHaveTheirTurnsOldestFirst)
-{
-    feed.deliver(question("first"));
-    world.host.advance(60min);
-    EXPECT_EQ(shownQuestion(), "first") << "it stays until it is answered";
-    feed.deliver(question("second"));
-    EXPECT_EQ(shownQuestion(), "first, 1 of 2");
-    feed.deliver(question("third"));
-    EXPECT_EQ(shownQuestion(), "first, 1 of 3");
-    EXPECT_THAT(answer(0), ElementsAre("info: Player snoozed for 20min"));
-    EXPECT_EQ(shownQuestion(), "second, 1 of 2");
-    EXPECT_THAT(dismiss(), IsEmpty());
-    EXPECT_EQ(shownQuestion(), "third");
-    EXPECT_THAT(answer(0), ElementsAre("info: Player snoozed for 20min"));
-    EXPECT_EQ(shownQuestion(), "none");
-}
-
-TEST_F(ControlsTest, theFourthQuestionPushesTheOldestOut)
-{
-    for (const char* title : {"first", "second", "third", "fourth"}) feed.deliver(question(title));
-    EXPECT_EQ(shownQuestion(), "second, 1 of 3");
-    feed.deliver(question("fifth"));
-    EXPECT_EQ(shownQuestion(), "third, 1 of 3");
-}
-
-TEST_F(ControlsTest, aTransientOneTakesNoQuestionsPlace)
-{
-    for (const char* title : {"first", "second", "third"}) feed.deliver(question(title));
-    feed.deliver(plan("passing", NotificationStyle::transient, {}));
-    feed.deliver(plan("with a button", NotificationStyle::transient, {NotificationAction::snooze}));
-    EXPECT_EQ(shownQuestion(), "first, 1 of 3");
-    EXPECT_EQ(model().note->title, "with a button");
-    EXPECT_THAT(answer(0), ElementsAre("info: Player snoozed for 20min"));
-    EXPECT_EQ(shownQuestion(), "second, 1 of 2");
-}
-
-TEST_F(ControlsTest, aQuestionWithoutButtonsIsDismissed)
-{
-    feed.deliver(plan("persistent", NotificationStyle::persistent, {}));
-    EXPECT_EQ(shownQuestion(), "persistent");
-    EXPECT_THAT(answer(0), IsEmpty());
-    EXPECT_EQ(shownQuestion(), "persistent");
-    EXPECT_THAT(dismiss(), IsEmpty());
-    EXPECT_EQ(shownQuestion(), "none");
-}
-
-/// The ways by which another notification comes to its turn, each pressed before and after `holdTime`.
-TEST_F(ControlsTest, whatIsPressedAsTheTurnChangesWasMeantForTheFormerOne)
-{
-    struct Case {
-        const char* name;
-        int questions; ///< That wait before.
-        std::function<void()> change;
-        const char* then; ///< What is shown then.
-    };
-    const Case cases[] = {
-        {"the first one comes", 0, [this] { feed.deliver(question("new")); }, "new"},
-        {"answered", 2, [this] { static_cast<void>(answer(0)); }, "question 2"},
-        {"dismissed", 3, [this] { static_cast<void>(dismiss()); }, "question 2, 1 of 2"},
-        {"pushed out", 3, [this] { feed.deliver(question("new")); }, "question 2, 1 of 3"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        controls.emplace(*world.engine, feed, [] {});
-        for (int i = 1; i <= c.questions; ++i) feed.deliver(question(fmt::format("question {}", i)));
-        world.host.advance(1s);
-        c.change();
-        EXPECT_EQ(shownQuestion(), c.then);
-        world.host.advance(0.4s);
-        EXPECT_THAT(answerAtOnce(0), IsEmpty());
-        EXPECT_THAT(perform(Command::dismiss), IsEmpty());
-        EXPECT_EQ(shownQuestion(), c.then);
-        world.host.advance(0.1s);
-        EXPECT_THAT(answerAtOnce(0), ElementsAre("info: Player snoozed for 20min"));
-        EXPECT_NE(shownQuestion(), c.then);
-    }
-}
-
-TEST_F(ControlsTest, aQuestionBehindTheShownOneHoldsNothingUp)
-{
-    feed.deliver(question("first"));
-    world.host.advance(1s);
-    feed.deliver(question("second"));
-    EXPECT_THAT(answerAtOnce(0), ElementsAre("info: Player snoozed for 20min"));
-    EXPECT_EQ(shownQuestion(), "second");
-}
-
-TEST_F(ControlsTest, whatIsPressedAsAQuestionIsSettledWasMeantForIt)
-{
-    freeze(501);
-    feed.deliver(plan("second", NotificationStyle::persistent, {NotificationAction::terminate}, {"Mailer"}));
-    world.host.advance(1s);
-    world.engine->resumeAll(true);
-    EXPECT_THAT(answerAtOnce(0), IsEmpty()) << "nobody has seen the second one yet";
-    EXPECT_EQ(shownQuestion(), "second");
-    EXPECT_THAT(answer(0), ElementsAre("TERM 601", "start time of 601", "enforced: Mailer → 退出 (from notification)"));
-}
-
-TEST_F(ControlsTest, aSecondPressDoesNotDismissTheNoteBehindTheQuestion)
-{
-    feed.deliver(plan("note", NotificationStyle::transient, {}));
-    feed.deliver(question("question"));
-    EXPECT_THAT(dismiss(), IsEmpty());
-    EXPECT_THAT(perform(Command::dismiss), IsEmpty());
-    EXPECT_TRUE(model().note);
-    EXPECT_THAT(dismiss(), IsEmpty());
-    EXPECT_EQ(model().note, std::nullopt);
-    EXPECT_THAT(dismiss(), IsEmpty()) << "nothing is there";
-}
-
-TEST_F(ControlsTest, transientOnesGoAfterSixSeconds)
-{
-    world.engine->stop();
-    feed.deliver(plan("passing", NotificationStyle::transient, {}));
-    world.host.advance(5.9s);
-    EXPECT_EQ(model().note->title, "passing");
-    changes = 0;
-    world.host.advance(0.1s);
-    EXPECT_EQ(model().note, std::nullopt);
-    EXPECT_EQ(changes, 1);
-}
-
-TEST_F(ControlsTest, theTimeOfAFormerNoteDoesNotEndTheNext)
-{
-    feed.deliver(plan("first", NotificationStyle::transient, {}));
-    world.host.advance(4s);
-    feed.deliver(plan("second", NotificationStyle::transient, {}));
-    world.host.advance(4s);
-    EXPECT_EQ(model().note->title, "second");
-    static_cast<void>(dismiss());
-    feed.deliver(plan("third", NotificationStyle::transient, {}));
-    world.host.advance(5.9s);
-    EXPECT_EQ(model().note->title, "third") << "a dismissed one's time is over, too";
-    world.host.advance(0.1s);
-    EXPECT_EQ(model().note, std::nullopt);
-}
-
-TEST_F(ControlsTest, aSettledQuestionDoesNotComeBack)
-{
-    freeze(501);
-    world.engine->resumeAll(true);
-    EXPECT_EQ(shownQuestion(), "none");
-    world.engine->enforceNow({"Player"}, EnforcementAction::suspend);
-    EXPECT_EQ(shownQuestion(), "none");
-}
-
-TEST_F(ControlsTest, onlyWhatAsksForNothingButAResumeIsSettledByIt)
-{
-    using Action = NotificationAction;
-    struct Case {
-        const char* name;
-        std::vector<NotificationAction> actions;
-        std::vector<std::string> apps;
-        bool stays;
-    };
-    const Case cases[] = {
-        {"a pause", {Action::resume, Action::resumeAndSnooze}, {"Player"}, false},
-        {"a pause of two, both resumed", {Action::resume}, {"Player", "Mailer"}, false},
-        {"a loop", {Action::resumeAndSnooze, Action::allowlist, Action::view}, {"Player"}, true},
-        {"an ask", {Action::snooze, Action::suspend, Action::allowlist, Action::view}, {"Player"}, true},
-        {"nothing to press", {}, {"Player"}, true},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        controls.emplace(*world.engine, feed, [] {});
-        world.engine->enforceNow({"Player", "Mailer"}, EnforcementAction::suspend);
-        feed.deliver(plan("asked", NotificationStyle::persistent, c.actions, c.apps));
-        static_cast<void>(perform(Command::resume));
-        EXPECT_EQ(shownQuestion(), c.stays || c.apps.size() == 2 ? "asked" : "none");
-        static_cast<void>(perform(Command::resumeAll));
-        EXPECT_EQ(shownQuestion(), c.stays ? "asked" : "none");
-    }
-}
-
 TEST_F(ControlsTest, changesAreTold)
 {
     world.engine->stop();
@@ -437,14 +177,17 @@ TEST_F(ControlsTest, changesAreTold)
     EXPECT_EQ(changes, 0) << "in a later turn";
     world.host.advance(0s);
     EXPECT_EQ(changes, 1);
+    EXPECT_TRUE(model().held);
     world.host.advance(Controls::holdTime);
+    EXPECT_EQ(changes, 2) << "it can be answered now";
+    EXPECT_FALSE(model().held);
     static_cast<void>(perform(Command::dismiss));
     world.host.advance(0s);
-    EXPECT_EQ(changes, 2);
+    EXPECT_EQ(changes, 3);
     feed.deliver(question("second"));
     controls.reset();
-    world.host.advance(0s);
-    EXPECT_EQ(changes, 2);
+    world.host.advance(1s);
+    EXPECT_EQ(changes, 3);
     feed.deliver(question("nobody is there"));
 }
 
