@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <string_view>
 #include <utility>
 
 namespace quellon {
@@ -21,13 +22,17 @@ std::optional<ExplainError> statusError(int status)
     return ExplainError{Kind::badStatus, status};
 }
 
+/// All that is read of a reply.
+constexpr std::string_view members[] = {"recognized",  "whatItIs",  "whyTraffic", "category", "vendor",
+                                        "limitAdvice", "limitNote", "confidence", "source"};
+
 Result read(const std::optional<HttpResponse>& response)
 {
     if (!response) return ExplainError{Kind::transport};
     if (const auto error = statusError(response->status)) return *error;
     if (response->body.size() > NetworkExplanationFetcher::maximumPayloadBytes)
         return ExplainError{Kind::malformedPayload};
-    const auto json = parseJson(response->body);
+    const auto json = parseJsonMembers(response->body, members);
     const auto flag = json ? fromJson<NetworkExplanationFetcher::RecognitionFlag>(*json) : std::nullopt;
     auto explanation = flag ? fromJson<AppExplanation>(*json) : std::nullopt;
     if (!explanation || explanation->whatItIs.empty()) return ExplainError{Kind::malformedPayload};

@@ -39,6 +39,20 @@ bool canBeWritten(const Json& value)
     return !value.is_discarded() && !value.is_binary();
 }
 
+/// What the text holds, as far as `keeps` wants it.
+std::optional<Json> parse(std::string_view text, const Json::parser_callback_t& keeps)
+{
+    // The library takes a zero byte for the end of the text.
+    if (text.find('\0') != std::string_view::npos || nestsTooDeep(text)) return std::nullopt;
+    try {
+        Json value = Json::parse(text, keeps, false);
+        if (value.is_discarded()) return std::nullopt;
+        return value;
+    } catch (const std::bad_alloc&) {
+        return std::nullopt;
+    }
+}
+
 constexpr double twoToThe63 = 9'223'372'036'854'775'808.0;
 constexpr double twoToThe64 = 18'446'744'073'709'551'616.0;
 
@@ -46,15 +60,23 @@ constexpr double twoToThe64 = 18'446'744'073'709'551'616.0;
 
 std::optional<Json> parseJson(std::string_view text)
 {
-    // The library takes a zero byte for the end of the text.
-    if (text.find('\0') != std::string_view::npos || nestsTooDeep(text)) return std::nullopt;
-    try {
-        Json value = Json::parse(text, nullptr, false);
-        if (value.is_discarded()) return std::nullopt;
-        return value;
-    } catch (const std::bad_alloc&) {
-        return std::nullopt;
-    }
+    return parse(text, nullptr);
+}
+
+std::optional<Json> parseJsonMembers(std::string_view text, std::span<const std::string_view> names)
+{
+    using Event = Json::parse_event_t;
+    bool isObject = false;
+    return parse(text, [&](int depth, Event event, Json& value) {
+        if (depth == 0) {
+            isObject = isObject || event == Event::object_start;
+            return true;
+        }
+        if (depth > 1 || !isObject) return false;
+        if (event != Event::key) return true;
+        const auto* name = value.get_ptr<const std::string*>();
+        return name != nullptr && std::find(names.begin(), names.end(), *name) != names.end();
+    });
 }
 
 std::optional<std::string> dumpJson(const Json& value)

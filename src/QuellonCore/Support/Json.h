@@ -13,6 +13,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -32,6 +33,11 @@ inline constexpr std::size_t maximumJsonDepth = 128;
 /// else, for text that is not UTF-8, for a number beyond the range of a double, and for a text that nests deeper than
 /// `maximumJsonDepth`. Never throws.
 [[nodiscard]] std::optional<Json> parseJson(std::string_view text);
+
+/// The same for a text of somebody who is not trusted: reads what `parseJson` reads, but keeps little of it, so that a
+/// short text does not become a large value. Of an object there are only the members of these names; a list or an
+/// object that is one of them, or the whole text when that is a list, is empty.
+[[nodiscard]] std::optional<Json> parseJsonMembers(std::string_view text, std::span<const std::string_view> names);
 
 /// The value as compact JSON in one line. Absent when a number anywhere in it is not finite or a text is not UTF-8.
 [[nodiscard]] std::optional<std::string> dumpJson(const Json& value);

@@ -1,5 +1,6 @@
 #include "QuellonCore/UpdateCheck/NetworkManifestFetcher.h"
 
+#include <string_view>
 #include <utility>
 
 namespace quellon {
@@ -9,6 +10,9 @@ namespace {
 using Result = UpdateManifestFetching::Result;
 using Kind = UpdateCheckError::Kind;
 
+/// All that is read of a reply.
+constexpr std::string_view members[] = {"latestVersion", "downloadURL", "releaseNotesURL", "minimumSystemVersion"};
+
 Result read(const std::optional<HttpResponse>& response)
 {
     constexpr int isNotHttp = 0;
@@ -17,7 +21,8 @@ Result read(const std::optional<HttpResponse>& response)
         return UpdateCheckError{Kind::badStatus, response->status};
     if (response->body.size() > NetworkManifestFetcher::maximumPayloadBytes)
         return UpdateCheckError{Kind::malformedPayload};
-    auto manifest = decodeJson<UpdateManifest>(response->body);
+    const auto json = parseJsonMembers(response->body, members);
+    auto manifest = json ? fromJson<UpdateManifest>(*json) : std::nullopt;
     if (!manifest) return UpdateCheckError{Kind::malformedPayload};
     return *std::move(manifest);
 }

@@ -120,6 +120,53 @@ TEST(ParseJson, hugeTexts)
     EXPECT_EQ(numbers->size(), 500'001U);
 }
 
+TEST(ParseJsonMembers, keepsTheNamedMembersAndNothingWithinThem)
+{
+    struct Case {
+        const char* name;
+        const char* text;
+        Json value;
+    };
+    const Case cases[] = {
+        {"no member", "{}", Json::object()},
+        {"named ones of every kind", R"({"a":"x","b":null})", {{"a", "x"}, {"b", nullptr}}},
+        {"numbers and flags", R"({"a":1.5,"b":true})", {{"a", 1.5}, {"b", true}}},
+        {"others beside them", R"({"c":[{"a":1}],"a":1,"d":{"b":2},"A":3,"":4})", {{"a", 1}}},
+        {"a name within another member", R"({"c":{"a":1},"d":[{"a":2}]})", Json::object()},
+        {"an object", R"({"a":{"a":1,"b":{}},"b":2})", {{"a", Json::object()}, {"b", 2}}},
+        {"a list", R"({"a":[1,[2],{"b":3}],"b":2})", {{"a", Json::array()}, {"b", 2}}},
+        {"the same name twice", R"({"a":1,"c":0,"a":2})", {{"a", 2}}},
+        {"the same name twice, a list at first", R"({"a":[1],"a":2})", {{"a", 2}}},
+        {"the same name twice, a list at last", R"({"a":2,"a":[1]})", {{"a", Json::array()}}},
+        {"an escaped name", R"({"\u0061":1})", {{"a", 1}}},
+        {"a text", R"("a")", "a"},
+        {"a number", "5", 5},
+        {"null", "null", nullptr},
+        {"a list alone", R"([1,"a",[2],{"a":3}])", Json::array()},
+        {"a byte-order mark", "\xEF\xBB\xBF{\"a\":1}", {{"a", 1}}},
+    };
+    constexpr std::string_view names[] = {"a", "b"};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(parseJsonMembers(c.text, names), c.value);
+    }
+}
+
+TEST(ParseJsonMembers, refusesWhatIsNotJsonAlsoWhereNothingIsKept)
+{
+    constexpr std::string_view names[] = {"a"};
+    for (const char* text : {"", "{", R"({"a":1}x)", R"({"b":[1,]})", R"({"b":{"c":01}})", R"({"b":[1e999]})",
+                             "{\"b\":\"\xFF\"}", R"({"b":["\ud800"]})", R"({"b":{c:1}})", "[1,]"}) {
+        SCOPED_TRACE(text);
+        EXPECT_EQ(parseJsonMembers(text, names), std::nullopt);
+    }
+    const auto deep = [&](std::size_t depth) {
+        return parseJsonMembers(R"({"b":)" + repeated("[", depth - 1) + repeated("]", depth - 1) + "}", names);
+    };
+    EXPECT_EQ(deep(maximumJsonDepth), Json::object());
+    EXPECT_EQ(deep(maximumJsonDepth + 1), std::nullopt);
+}
+
 TEST(DumpJson, isCompactAndInOneLine)
 {
     const Json value{{"b", {1, 2.5, nullptr, true}}, {"a", "line\nfeed é"}};
