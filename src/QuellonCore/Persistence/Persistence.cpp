@@ -93,7 +93,10 @@ std::optional<std::string> Persistence::loadText(std::string_view name) const
 {
     if (!isPlainName(name)) return std::nullopt;
     auto text = files_.read(directory_ / name);
-    if (text && name != ledgerFile && text->size() > largestFile) return std::nullopt;
+    if (text && name != ledgerFile) {
+        const std::size_t largest = name == explanationsFile ? largestExplanationsFile : largestFile;
+        if (text->size() > largest) return std::nullopt;
+    }
     return text;
 }
 

@@ -28,9 +28,11 @@ public:
     static constexpr std::string_view enforcementHistoryFile = "enforcement-history.json";
     static constexpr std::string_view explanationsFile = "explanations.json";
 
-    /// The largest state file that is looked into, apart from the ledger, which may be as large as a file store reads.
-    /// Honest ones hold some kilobytes.
+    /// The largest state file that is looked into, apart from the two below. Honest ones hold some kilobytes.
     static constexpr std::size_t largestFile = std::size_t{8} * 1024 * 1024;
+    /// The same for the answers of the lookup service: as many as are kept, each as long as a reply may be. The ledger
+    /// may be as large as a file store reads.
+    static constexpr std::size_t largestExplanationsFile = std::size_t{16} * 1024 * 1024;
 
     /// The environment variable that names another folder.
     static constexpr std::string_view stateDirectoryEnvironmentKey = "QUELLON_STATE_DIR";

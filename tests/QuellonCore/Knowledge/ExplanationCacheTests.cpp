@@ -1,6 +1,8 @@
 #include "QuellonCore/Knowledge/ExplanationCache.h"
 
+#include "QuellonCore/Persistence/Persistence.h"
 #include "QuellonCore/Persistence/StateFile.h"
+#include "ScriptedHost.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -65,6 +67,19 @@ TEST(ExplanationCache, anAnswerFromThePastCanBeTheOneThatGoes)
     cache.store(explained("x"), "late", at(1));
     EXPECT_EQ(cache.entries.size(), 200U);
     EXPECT_FALSE(cache.explanation("late"));
+}
+
+TEST(ExplanationCache, asManyAnswersAsAreKeptCanBeReadBackHoweverLongTheyAre)
+{
+    constexpr std::size_t longestReply = 65'536;
+    ScriptedHost host;
+    const Persistence persistence{host.host()};
+    ExplanationCache cache;
+    for (int i = 0; i < 200; ++i) {
+        cache.store(explained(std::string(longestReply, 'x')), fmt::format("app {}", i), at(i));
+    }
+    persistence.save(cache, Persistence::explanationsFile);
+    EXPECT_EQ(persistence.load<ExplanationCache>(Persistence::explanationsFile), cache);
 }
 
 TEST(ExplanationCache, read)
