@@ -17,7 +17,7 @@ namespace quellon::BlockedAppTrigger {
 /// The window in which usage is measured.
 inline constexpr Seconds windowSeconds{60.0};
 /// Bytes in the window that count as moving data.
-inline constexpr std::uint64_t floorBytes = 256 * 1024;
+inline constexpr std::uint64_t floorBytes = std::uint64_t{256} * 1024;
 
 /// The floor in words: "256 KB".
 [[nodiscard]] std::string floorDescription();
