@@ -1,4 +1,5 @@
 #include "QuellonHost/Online/FetcherTest.h"
+#include "QuellonHost/Support/Repeated.h"
 #include "QuellonHost/Support/StuckLookup.h"
 
 #include <gtest/gtest.h>
@@ -9,18 +10,11 @@ namespace quellon {
 namespace {
 
 using testing::Fetched;
+using testing::repeated;
 using testing::StuckLookup;
 using testing::TlsServer;
 using End = TlsServer::End;
 using Steps = std::vector<TlsServer::Step>;
-
-std::string repeated(std::string_view text, std::size_t count)
-{
-    std::string result;
-    result.reserve(text.size() * count);
-    for (std::size_t i = 0; i < count; ++i) result += text;
-    return result;
-}
 
 std::string reply(int status, std::string_view body, std::string_view headers = "")
 {
@@ -170,6 +164,13 @@ TEST_F(FetcherReplies, ofEveryKind)
         {"nothing", {}, End::close, transport, transport, 200, 0},
         {"not HTTP", {{"220 mail.quellon.example ESMTP\r\n" + good}}, End::close, transport, transport, 200, 0},
         {"good, but without a head", {{good}}, End::close, transport, transport, 200, 0},
+        {"headers without end",
+         {{"HTTP/1.1 200 OK\r\n"}, {repeated("a:\n", 10'000), 0.0}},
+         End::hang,
+         transport,
+         transport,
+         200,
+         0},
         {"no body", {{ok("")}}, End::hang, malformed, malformed, 200, 0},
         {"not JSON", {{ok("<html>")}}, End::hang, malformed, malformed, 200, 6},
         {"not an object", {{ok("[]")}}, End::hang, malformed, malformed, 200, 2},

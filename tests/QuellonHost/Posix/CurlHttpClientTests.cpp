@@ -1,5 +1,6 @@
 #include "QuellonHost/Support/CurlHttpClientTest.h"
 #include "QuellonHost/Support/MemoryPeak.h"
+#include "QuellonHost/Support/Repeated.h"
 #include "QuellonHost/Support/StuckLookup.h"
 #include "QuellonHost/Support/TlsServer.h"
 
@@ -11,19 +12,13 @@
 namespace quellon {
 namespace {
 
+using testing::repeated;
 using testing::StuckLookup;
 using testing::TlsServer;
 using End = TlsServer::End;
 using Steps = std::vector<TlsServer::Step>;
 
 constexpr std::size_t limit = 65'536;
-
-std::string repeated(std::string_view text, std::size_t count)
-{
-    std::string result;
-    for (std::size_t i = 0; i < count; ++i) result += text;
-    return result;
-}
 
 std::string withLength(std::size_t length, std::string_view body, std::string_view headers = "")
 {
@@ -180,6 +175,23 @@ TEST_F(CurlHttpClientReplies, failWhenTheyAreNone)
     }
 }
 
+TEST_F(CurlHttpClientReplies, haveHeadersOfSoManyBytesAndNoMore)
+{
+    const auto withHeaders = [](std::size_t bytes) {
+        const std::string rest = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\nX: \r\n\r\n";
+        return "HTTP/1.1 200 OK\r\nContent-Length: 2\r\nX: " + std::string(bytes - rest.size(), 'y') + "\r\n\r\nok";
+    };
+    EXPECT_EQ(whenServerSays({{withHeaders(CurlHttpClient::mostHeaderBytes)}}), (HttpResponse{200, "ok"}));
+    EXPECT_EQ(whenServerSays({{withHeaders(CurlHttpClient::mostHeaderBytes + 1)}}), std::nullopt);
+    const auto first = redirect(302, "/target");
+    const auto rest = CurlHttpClient::mostHeaderBytes - (first.size() - std::string_view{"page"}.size());
+    server().reply("/", {{first}});
+    server().reply("/target", {{withHeaders(rest)}});
+    EXPECT_EQ(exchange(get(server().url("/"))), (HttpResponse{200, "ok"}));
+    server().reply("/target", {{withHeaders(rest + 1)}});
+    EXPECT_EQ(exchange(get(server().url("/"))), std::nullopt) << "those of a redirect count, too";
+}
+
 TEST_F(CurlHttpClientReplies, redirectOnlyToHttps)
 {
     const auto plain = "http://" + std::string{TlsServer::host} + ":" + std::to_string(server().port("plain")) + "/";
@@ -311,6 +323,7 @@ TEST_F(CurlHttpClientReplies, takeNoMoreMemoryThanTheLimitAndAMebibyte)
         {"a body without end", {{untilTheEnd}, {block, 0.0}}},
         {"a body without end in chunks", {{inChunks}, {"10000\r\n" + block + "\r\n", 0.0}}},
         {"headers without end", {{"HTTP/1.1 200 OK\r\n"}, {repeated("X: y\r\n", 1000), 0.0}}},
+        {"the shortest headers without end", {{"HTTP/1.1 200 OK\r\n"}, {repeated("a:\n", 10'000), 0.0}}},
         {"a header without end", {{"HTTP/1.1 200 OK\r\nX: "}, {block, 0.0}}},
         {"a redirect with a page without end", {{"HTTP/1.1 302 Found\r\nLocation: /target\r\n\r\n"}, {block, 0.0}}},
         {"packed zeros", {{whole(bomb, "Content-Encoding: gzip\r\n")}}},
