@@ -25,7 +25,8 @@ struct HttpRequest {
 
 /// What came back.
 struct HttpResponse {
-    int status = 0;   ///< The HTTP status of the last reply, after redirects; 0 when the reply was not HTTP.
+    int status = 0; ///< The HTTP status of the last reply, after the redirects that were followed; 0 when the reply was
+                    ///< not HTTP.
     std::string body; ///< At most one byte more than the request allows.
 
     bool operator==(const HttpResponse&) const = default;
@@ -42,7 +43,8 @@ public:
 
     /// Begins the exchange and returns at once. `done` is called on the main thread in a later turn, exactly once,
     /// unless the client or the run loop ends first: then never. A host's certificate must be one that the system
-    /// trusts, and a redirect must lead to "https" again.
+    /// trusts. A GET follows redirects, which must lead to "https" again; a POST follows none, so that its body goes to
+    /// nobody but the host that it is for: the redirect is then the reply.
     virtual void send(HttpRequest request, Done done) = 0;
 };
 

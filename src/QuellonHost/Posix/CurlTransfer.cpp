@@ -85,7 +85,6 @@ void CurlTransfer::setRequest()
     ready_ = ready_ && isOneLine(request_.url);
     set(CURLOPT_URL, request_.url.c_str());
     set(CURLOPT_PROTOCOLS_STR, "https");
-    set(CURLOPT_FOLLOWLOCATION, 1L);
     set(CURLOPT_REDIR_PROTOCOLS_STR, "https");
     set(CURLOPT_MAXREDIRS, CurlHttpClient::mostRedirects);
     set(CURLOPT_DISALLOW_USERNAME_IN_URL, 1L); // a redirect could make one up
@@ -94,6 +93,7 @@ void CurlTransfer::setRequest()
         set(CURLOPT_POSTFIELDS, request_.body.c_str());
         set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request_.body.size()));
     } else {
+        set(CURLOPT_FOLLOWLOCATION, 1L);
         ready_ = ready_ && request_.method == "GET";
     }
 }

@@ -120,27 +120,30 @@ TEST_F(CurlHttpClientWire, noPasswordIsGivenWhenAsked)
     if (home != nullptr) setenv("HOME", home, 1);
 }
 
-TEST_F(CurlHttpClientWire, redirectsAreFollowedAsTheirStatusSays)
+TEST_F(CurlHttpClientWire, redirectsAreFollowedByWhatCarriesNoBody)
 {
     const std::string type = "Content-Type: application/json";
     const std::string agent = "User-Agent: Quellon/1.2.0 (macOS 14.5.0)";
-    const auto host = hostHeader(TlsServer::otherHost);
-    const SentRequest again{"POST /target HTTP/1.1", {"Content-Length: 2", type, host, agent}, "{}"};
-    const SentRequest asking{"GET /target HTTP/1.1", {type, host, agent}, ""};
-    struct Case {
-        int status;
-        SentRequest second;
-    };
-    for (const auto& c : {Case{303, asking}, Case{307, again}, Case{308, again}}) {
-        SCOPED_TRACE(c.status);
+    const SentRequest posted{"POST / HTTP/1.1", {"Content-Length: 2", type, hostHeader(), agent}, "{}"};
+    const SentRequest asked{"GET / HTTP/1.1", {hostHeader(), "User-Agent: Tests/1"}, ""};
+    const SentRequest askedThere{"GET /target HTTP/1.1", {hostHeader(TlsServer::otherHost), "User-Agent: Tests/1"}, ""};
+    for (const int status : {301, 302, 303, 307, 308}) {
+        for (const auto& location : {server().url("/target", "valid", TlsServer::otherHost), std::string{"/target"}}) {
+            SCOPED_TRACE(std::to_string(status) + " to " + location);
+            server().forget();
+            server().reply("/", {{"HTTP/1.1 " + std::to_string(status) +
+                                  " Go\r\nContent-Length: 4\r\nLocation: " + location + "\r\n\r\npage"}});
+            server().reply("/target", 200, "ok");
+            EXPECT_EQ(exchange(post(server().url("/"), "{}")), (HttpResponse{status, "page"}));
+            EXPECT_EQ(awaitSent(1), std::vector{posted});
+            EXPECT_EQ(server().connections(), 1);
+        }
         server().forget();
-        server().reply("/", {{"HTTP/1.1 " + std::to_string(c.status) + " Go\r\nContent-Length: 0\r\nLocation: " +
+        server().reply("/", {{"HTTP/1.1 " + std::to_string(status) + " Go\r\nContent-Length: 0\r\nLocation: " +
                               server().url("/target", "valid", TlsServer::otherHost) + "\r\n\r\n"}});
         server().reply("/target", 200, "ok");
-        EXPECT_EQ(exchange(post(server().url("/"), "{}")), (HttpResponse{200, "ok"}));
-        EXPECT_EQ(awaitSent(2),
-                  (std::vector{SentRequest{"POST / HTTP/1.1", {"Content-Length: 2", type, hostHeader(), agent}, "{}"},
-                               c.second}));
+        EXPECT_EQ(exchange(get(server().url("/"))), (HttpResponse{200, "ok"}));
+        EXPECT_EQ(awaitSent(2), (std::vector{asked, askedThere}));
     }
 }
 
