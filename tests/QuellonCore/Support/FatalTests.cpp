@@ -2,13 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cstdio>
-#include <fstream>
 #include <optional>
-#include <string>
-#include <thread>
-#include <unistd.h>
 #include <utility>
 
 namespace quellon {
@@ -63,36 +58,6 @@ TEST(FatalDeathTest, aCleanupMayEndAnother)
     second.emplace([] { say("two "); });
     EXPECT_FATAL(fatal("too much"), "^one fatal: too much\n$");
 }
-
-#ifdef __linux__ // which tells of a thread whether it waits
-
-/// True when this thread of the process waits for something.
-bool isAsleep(pid_t thread)
-{
-    std::ifstream file{"/proc/self/task/" + std::to_string(thread) + "/stat"};
-    std::string text;
-    std::getline(file, text);
-    return text.find(") S ") != std::string::npos;
-}
-
-TEST(FatalDeathTest, aSecondThreadThatFailsWaitsForTheCleanup)
-{
-    const auto failTwice = [] {
-        std::atomic<pid_t> second{0};
-        const FatalCleanup first{[&second] {
-            std::thread{[&second] {
-                second = gettid();
-                fatal("second");
-            }}.detach();
-            while (second == 0 || !isAsleep(second)) std::this_thread::yield();
-            say("done ");
-        }};
-        fatal("first");
-    };
-    EXPECT_FATAL(failTwice(), "^done fatal: first\n$");
-}
-
-#endif
 
 } // namespace
 } // namespace quellon
