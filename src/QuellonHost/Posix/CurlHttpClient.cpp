@@ -1,9 +1,9 @@
 #include "QuellonHost/Posix/CurlHttpClient.h"
 
+#include "QuellonHost/Posix/BackgroundThread.h"
 #include "QuellonHost/Posix/CurlTransfer.h"
 
 #include <algorithm>
-#include <csignal>
 #include <curl/curl.h>
 #include <functional>
 #include <mutex>
@@ -73,13 +73,8 @@ std::unique_ptr<CurlHttpClient::Worker> CurlHttpClient::Worker::start(const Opti
     std::unique_ptr<Worker> result{new Worker{options, std::move(deliver)}};
     // Without descriptors left there may be a handle that can't be woken.
     if (!result->multi_ || curl_multi_wakeup(result->multi_.get()) != CURLM_OK) return nullptr;
-    sigset_t all;
-    sigset_t before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before); // signals go to the main thread
-    result->thread_ = std::thread{[worker = result.get()] { worker->serve(); }};
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    return result;
+    result->thread_ = startBackgroundThread([worker = result.get()] { worker->serve(); });
+    return result->thread_.joinable() ? std::move(result) : nullptr;
 }
 
 CurlHttpClient::Worker::~Worker()

@@ -1,6 +1,7 @@
 #include "QuellonHost/Posix/WorkerPool.h"
 
-#include <csignal>
+#include "QuellonHost/Posix/BackgroundThread.h"
+
 #include <utility>
 
 namespace quellon {
@@ -21,19 +22,21 @@ WorkerPool::~WorkerPool()
 
 void WorkerPool::add(Work work)
 {
-    const std::lock_guard guard{lock_};
+    std::unique_lock lock{lock_};
     if (ends_) return;
     queue_.push_back(std::move(work));
     if (queue_.size() <= idle_ || threads_.size() == mostThreads) {
         changed_.notify_one();
         return;
     }
-    sigset_t all;
-    sigset_t before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before); // a thread begins with the mask of the one that makes it
-    threads_.emplace_back([this] { serve(); });
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    if (auto thread = startBackgroundThread([this] { serve(); }); thread.joinable()) {
+        threads_.push_back(std::move(thread));
+    } else if (threads_.empty()) { // nobody else would ever come for it
+        const Work own = std::move(queue_.back());
+        queue_.pop_back();
+        lock.unlock();
+        own();
+    }
 }
 
 void WorkerPool::serve()

@@ -10,7 +10,7 @@
 namespace quellon {
 
 /// Threads for work that may block for long: each piece gets an idle thread or a new one, up to `mostThreads`; beyond
-/// that it waits for its turn.
+/// that, and when the system has no more to give, it waits for its turn.
 class WorkerPool {
 public:
     using Work = std::function<void()>;
@@ -23,7 +23,7 @@ public:
     WorkerPool(const WorkerPool&) = delete;
     WorkerPool& operator=(const WorkerPool&) = delete;
 
-    /// Any thread.
+    /// Any thread. While there is no thread at all, since the system gives none, the caller's does the work at once.
     void add(Work work);
 
 private:

@@ -1,8 +1,10 @@
 #include "QuellonHost/Support/CurlHttpClientTest.h"
 #include "QuellonHost/Support/StuckLookup.h"
 #include "QuellonHost/Support/TlsServer.h"
+#include "QuellonHost/Support/WithoutThreads.h"
 
 #include <arpa/inet.h>
+#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <functional>
@@ -155,6 +157,18 @@ TEST_F(CurlHttpClientThread, blocksSignalsAlsoWhereHostsAreLookedUp)
     ASSERT_TRUE(stuck.awaitBegin());
     EXPECT_TRUE(stuck.blocksSignals());
     client.reset();
+}
+
+TEST_F(CurlHttpClientThread, thatTheSystemDoesNotGiveIsAFailedTransfer)
+{
+    EXPECT_TRUE(testing::inUnprivilegedChild([&] {
+        const testing::NoThreads none;
+        const auto response = exchange(get(server().url("/")));
+        sigset_t blocked;
+        pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
+        return testing::NoThreads::holds() && !response && !HasFailure() && sigismember(&blocked, SIGTERM) == 0;
+    }));
+    EXPECT_EQ(server().connections(), 0);
 }
 
 TEST_F(CurlHttpClientThread, endsAtOnceAndAnswersNobody)
