@@ -36,10 +36,9 @@ bool isScheme(std::string_view text)
     });
 }
 
-/// Whether every character may stand in a URL as it is, and every escape is whole.
-bool isEscaped(std::string_view text)
+/// Whether every character is a letter, a digit, one of `others` or a whole escape.
+bool isMadeOf(std::string_view text, std::string_view others)
 {
-    constexpr std::string_view others = "-._~:/?#[]@!$&'()*+,;=";
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char c = text[i];
         if (isLetter(c) || isDigit(c) || others.find(c) != std::string_view::npos) continue;
@@ -50,24 +49,60 @@ bool isEscaped(std::string_view text)
     return true;
 }
 
-/// The host of "user@host:port"; absent when host or port can't be one.
+constexpr std::string_view inNames = "-._~!$&'()*+,;=";
+constexpr std::string_view inPaths = "-._~!$&'()*+,;=:@/?";
+
+/// The groups of an IPv6 address: 1 to 4 hexadecimal digits each, an IPv4 address at the end counted as two. Absent
+/// when one is none.
+std::optional<int> groupCount(std::string_view groups)
+{
+    int count = 0;
+    while (!groups.empty()) {
+        const bool isLast = groups.find(':') == std::string_view::npos;
+        const std::string_view group = takeUntil(groups, ':');
+        if (isLast && group.find('.') != std::string_view::npos) {
+            constexpr std::string_view decimal = "0123456789.";
+            const bool isDotted = group.find_first_not_of(decimal) == std::string_view::npos &&
+                                  std::count(group.begin(), group.end(), '.') == 3;
+            return isDotted ? std::optional{count + 2} : std::nullopt;
+        }
+        if (group.empty() || group.size() > 4 || !std::all_of(group.begin(), group.end(), isHexadecimal) ||
+            (!isLast && groups.empty()))
+            return std::nullopt;
+        ++count;
+    }
+    return count;
+}
+
+/// Eight groups, or fewer around one "::".
+bool isIPv6(std::string_view text)
+{
+    constexpr int all = 8;
+    const auto gap = text.find("::");
+    if (gap == std::string_view::npos) return groupCount(text) == all;
+    const auto before = groupCount(text.substr(0, gap));
+    const auto after = groupCount(text.substr(gap + 2));
+    return before && after && *before + *after < all;
+}
+
+/// The host of "user@host:port"; absent when a part can't be one.
 std::optional<std::string_view> hostOf(std::string_view authority)
 {
-    if (const auto at = authority.rfind('@'); at != std::string_view::npos) authority.remove_prefix(at + 1);
+    if (const auto at = authority.find('@'); at != std::string_view::npos) {
+        if (!isMadeOf(authority.substr(0, at), "-._~!$&'()*+,;=:")) return std::nullopt;
+        authority.remove_prefix(at + 1);
+    }
     std::string_view host;
     if (authority.starts_with('[')) {
         const auto end = authority.find(']');
         if (end == std::string_view::npos) return std::nullopt;
         host = authority.substr(1, end - 1);
         authority.remove_prefix(end + 1);
-        const bool isAddress =
-            host.find(':') != std::string_view::npos &&
-            std::all_of(host.begin(), host.end(), [](char c) { return isHexadecimal(c) || c == ':' || c == '.'; });
-        if (!isAddress || (!authority.empty() && authority.front() != ':')) return std::nullopt;
+        if (!isIPv6(host) || (!authority.empty() && authority.front() != ':')) return std::nullopt;
     } else {
         host = authority.substr(0, authority.find(':'));
         authority.remove_prefix(host.size());
-        if (host.find_first_of("[]") != std::string_view::npos) return std::nullopt;
+        if (!isMadeOf(host, inNames)) return std::nullopt;
     }
     if (!authority.empty()) authority.remove_prefix(1);
     return std::all_of(authority.begin(), authority.end(), isDigit) ? std::optional{host} : std::nullopt;
@@ -77,17 +112,20 @@ std::optional<std::string_view> hostOf(std::string_view authority)
 
 std::optional<WebAddress> WebAddress::parse(std::string_view text)
 {
-    const auto colon = text.find(':');
-    if (colon == std::string_view::npos || !isScheme(text.substr(0, colon)) || !isEscaped(text)) return std::nullopt;
+    std::string_view rest = text;
     WebAddress address;
-    address.scheme = text.substr(0, colon);
+    address.scheme = takeUntil(rest, ':');
+    if (address.scheme.size() == text.size() || !isScheme(address.scheme)) return std::nullopt;
     std::transform(address.scheme.begin(), address.scheme.end(), address.scheme.begin(), lowered);
-    const std::string_view rest = text.substr(colon + 1);
-    if (!rest.starts_with("//")) return address;
-    const auto host = hostOf(rest.substr(2, rest.find_first_of("/?#", 2) - 2));
-    if (!host) return std::nullopt;
-    address.host = *host;
-    return address;
+    if (rest.starts_with("//")) {
+        const std::string_view authority = rest.substr(2, rest.find_first_of("/?#", 2) - 2);
+        const auto host = hostOf(authority);
+        if (!host) return std::nullopt;
+        address.host = *host;
+        rest.remove_prefix(2 + authority.size());
+    }
+    const std::string_view beforeFragment = takeUntil(rest, '#');
+    return isMadeOf(beforeFragment, inPaths) && isMadeOf(rest, inPaths) ? std::optional{address} : std::nullopt;
 }
 
 } // namespace quellon
