@@ -16,7 +16,7 @@ struct AppVersion {
 
     std::vector<std::int64_t> components; ///< As they were written; 1 to `mostComponents` of them.
 
-    /// Reads a text such as "1.10.2", white space around it allowed. Absent for anything else: an empty piece, a
+    /// Reads a text such as "1.10.2", ASCII white space around it allowed. Absent for anything else: an empty piece, a
     /// character that is no ASCII digit, a fifth number, a number beyond 64 bits.
     [[nodiscard]] static std::optional<AppVersion> parse(std::string_view text);
 

@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace quellon {
 namespace {
 
@@ -27,6 +29,10 @@ struct OnlineWorld : EngineWorld {
         host.http().reply = {HttpResponse{status, std::move(body)}, takes};
     }
     [[nodiscard]] std::size_t requests() { return host.http().requests.size(); }
+    [[nodiscard]] Json savedSettings()
+    {
+        return parseJson(host.files().get(settingsFile).value_or("")).value_or(Json{});
+    }
     [[nodiscard]] std::optional<ExplanationCache> savedExplanations()
     {
         return Persistence{host.host()}.load<ExplanationCache>(Persistence::explanationsFile);
@@ -83,11 +89,14 @@ TEST(EngineUpdates, everyStartChecksButOnceADay)
 {
     OnlineWorld world;
     world.storeSettings(R"({"onboarded":true,"updateCheckConsent":"granted"})");
-    world.answers(404, "");
+    world.answers(404, "", 2s);
     {
+        const Date asked = world.host.now();
         GuardEngine engine{world.host, world.online(true)};
-        world.host.advance(1s);
+        world.host.advance(5s);
         EXPECT_EQ(world.requests(), 1U);
+        EXPECT_EQ(engine.settings().updateLastCheckedAt, asked) << "when it was asked, not when the reply came";
+        EXPECT_EQ(world.savedSettings()["updateLastCheckedAt"], asked.time_since_epoch().count());
         engine.stop();
         engine.start();
         world.host.advance(1s);
@@ -108,13 +117,15 @@ TEST(EngineUpdates, aNoticeStaysUntilItIsDismissed)
     GuardEngine engine{world.host, world.online(true)};
     world.host.advance(1s);
     ASSERT_EQ(engine.availableUpdate(), update);
+    Date clock = world.host.now();
     for (const char* reply : {R"({"latestVersion":"1.2","downloadURL":"https://quellon.example/"})", "<html>"}) {
+        const auto before = world.requests();
         world.answers(200, reply);
-        engine.checkForUpdatesIfAllowed(world.host.now() + 86'400s);
+        clock = clock - 1000s; // it was set back, so that the host is asked
+        engine.checkForUpdatesIfAllowed(clock);
         world.host.advance(1s);
+        EXPECT_EQ(world.requests(), before + 1);
         EXPECT_EQ(engine.availableUpdate(), update);
-        engine.checkForUpdatesIfAllowed(world.host.now() - 1s);
-        world.host.advance(1s);
     }
     engine.dismissAvailableUpdate();
     EXPECT_EQ(engine.availableUpdate(), std::nullopt);
@@ -122,6 +133,23 @@ TEST(EngineUpdates, aNoticeStaysUntilItIsDismissed)
     engine.checkForUpdatesIfAllowed(world.host.now() + 10 * 86'400s);
     world.host.advance(1s);
     EXPECT_EQ(engine.availableUpdate(), update) << "it comes back with the next check that finds it";
+    EXPECT_EQ(std::ranges::count(messages(engine), "Update available: 1.3"), 2) << "a line for each find";
+}
+
+TEST(EngineUpdates, aVersionThatCanNotBeReadAsksForTheCommonManifestAndIsUpToDate)
+{
+    OnlineWorld world;
+    world.storeSettings(R"({"onboarded":true,"updateCheckConsent":"granted"})");
+    world.answers(200, manifest);
+    auto options = world.online();
+    options.updateCheck = OnlineContexts::updateCheckContext(world.host.host(), "dev", "14.5.0", world.log);
+    GuardEngine engine{world.host, options};
+    engine.checkForUpdatesIfAllowed(world.host.now());
+    world.host.advance(1s);
+    ASSERT_EQ(world.requests(), 1U);
+    EXPECT_EQ(world.host.http().requests.front().url, "https://updates.quellon.example/quellon/appcast.json");
+    EXPECT_EQ(engine.availableUpdate(), std::nullopt);
+    EXPECT_TRUE(engine.settings().updateLastCheckedAt);
 }
 
 TEST(EngineUpdates, theQuestionIsForTheFullEditionAndBeforeItIsAnswered)
@@ -185,7 +213,10 @@ TEST(EngineLookups, theAnswerSavesTheSettingsAndStartsNothing)
 {
     OnlineWorld world;
     GuardEngine engine{world.host, world.online()};
+    const auto writes = world.host.files().writes();
     engine.answerExplainConsent(true);
+    EXPECT_EQ(world.host.files().writes(), writes + 2) << "by the settings' own path, then once more";
+    EXPECT_EQ(world.savedSettings()["explainConsent"], "granted");
     world.host.advance(20s);
     EXPECT_EQ(engine.settings().explainConsent, UpdateCheckConsent::granted);
     EXPECT_EQ(world.requests(), 0U);
@@ -265,6 +296,51 @@ TEST(EngineLookups, aFailureIsToldUntilTheNextPress)
         world.host.advance(1s);
         EXPECT_TRUE(engine.explanation("helperd"));
     }
+}
+
+TEST(EngineLookups, aFailureOfOneNameLeavesTheMessageOfAnother)
+{
+    OnlineWorld world;
+    GuardEngine engine{world.host, world.online()};
+    engine.answerExplainConsent(true);
+    world.answers(503, "");
+    engine.requestExplanation("helperd");
+    world.host.advance(1s);
+    world.answers(500, "");
+    engine.requestExplanation("otherd");
+    world.host.advance(1s);
+    EXPECT_EQ(engine.explainFailures().at("helperd"), "Lookup service is busy — try again later.");
+    EXPECT_EQ(engine.explainFailures().at("otherd"), "Couldn't look this up right now.");
+}
+
+TEST(EngineLookups, anAnswerThatCanNotBeSavedIsKeptForThisRun)
+{
+    OnlineWorld world;
+    world.answers(200, known);
+    GuardEngine engine{world.host, world.online()};
+    engine.answerExplainConsent(true);
+    world.host.files().failWrites();
+    engine.requestExplanation("helperd");
+    world.host.advance(1s);
+    EXPECT_TRUE(engine.explanation("helperd"));
+    EXPECT_EQ(world.savedExplanations(), std::nullopt);
+}
+
+TEST(EngineLookups, aReplyAfterTheEngineIsGoneReachesNobody)
+{
+    OnlineWorld world;
+    world.answers(200, known, 5s);
+    {
+        GuardEngine engine{world.host, world.online()};
+        engine.answerExplainConsent(true);
+        engine.requestExplanation("helperd");
+        world.host.advance(1s);
+        ASSERT_EQ(world.requests(), 1U);
+        engine.requestExplanation("otherd"); // whose turn never comes
+    }
+    world.host.advance(20s);
+    EXPECT_EQ(world.requests(), 1U);
+    EXPECT_EQ(world.savedExplanations(), std::nullopt);
 }
 
 TEST(EngineLookups, thePackAlwaysWins)

@@ -3,7 +3,8 @@
 namespace quellon::testing {
 
 /// Counts, from its making on, the sockets of the Internet's families that any thread of this process opens, however
-/// briefly. The test program has a socket() of its own for that, which hands on to the system.
+/// briefly. The test program has a socket() of its own for that, which hands on to the system. What the C library opens
+/// for itself, such as to look up a host, does not pass by it.
 class SocketWatch {
 public:
     SocketWatch() : before_{everOpened()} {}
