@@ -96,6 +96,8 @@ TEST(ReplayScript, wordsOfTheWorldThatAreRefused)
         {"reply of neither kind", R"({"http": {"body": "x"}})", R"(http: has either "status" or "fails")"},
         {"reply of both kinds", R"({"http": {"status": 200, "fails": true}})",
          R"(http: has either "status" or "fails")"},
+        {"a body that never comes", R"({"http": {"fails": true, "body": "x"}})",
+         R"(http: has either "status" or "fails")"},
         {"status that is no number", R"({"http": {"status": "200"}})",
          "http: \"status\" has a value of the wrong kind"},
         {"status that is none", R"({"http": {"status": 1000}})", "http: \"status\" is none"},

@@ -177,15 +177,15 @@ Action http(ReplayFields& line, Context& /*context*/)
 {
     ReplayFields fields{line.requiredJson("http"), "http"};
     const auto status = fields.optional<int>("status");
-    const auto body = fields.optional<std::string>("body", "");
+    const auto body = fields.optional<std::string>("body");
     const bool fails = fields.optional("fails", false);
-    if (status.has_value() == fails) fields.refuse("has either \"status\" or \"fails\"");
+    if (status.has_value() == fails || (fails && body)) fields.refuse("has either \"status\" or \"fails\"");
     constexpr int isNotHttp = 0;
     constexpr int most = 999;
     if (status && (*status < isNotHttp || *status > most)) fields.refuse("\"status\" is none");
     const Json* takes = fields.optionalJson("takes");
     ScriptedReply reply;
-    if (status) reply.response = HttpResponse{*status, body};
+    if (status) reply.response = HttpResponse{*status, body.value_or("")};
     if (takes != nullptr) reply.takes = fields.duration("takes", *takes);
     fields.finish();
     return [reply](ReplaySession& session) { session.world().http().reply = reply; };
