@@ -55,15 +55,11 @@ protected:
     {
         return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator{"/proc/self/fd"}, {}));
     }
-    /// What a child gets: the two that it always has, and those that whoever started the tests left open.
+    /// What a child gets: the two that it always has, and standard input when this process has one.
     static std::set<int> inheritableDescriptors()
     {
         std::set<int> result{STDOUT_FILENO, STDERR_FILENO};
-        for (const auto& entry : std::filesystem::directory_iterator{"/proc/self/fd"}) {
-            const int number = std::stoi(entry.path().filename().string());
-            const int flags = fcntl(number, F_GETFD);
-            if (flags >= 0 && (flags & FD_CLOEXEC) == 0) result.insert(number);
-        }
+        if (fcntl(STDIN_FILENO, F_GETFD) >= 0) result.insert(STDIN_FILENO);
         return result;
     }
     /// What a child that lists its own descriptors has beyond these and the folder that it lists; empty when nothing.
