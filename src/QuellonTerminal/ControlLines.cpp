@@ -28,7 +28,9 @@ Style tintStyle(Tint tint)
     switch (tint) {
     case Tint::secondary:
         return Style::faint;
+    case Tint::primary:
     case Tint::green:
+    case Tint::blue:
         break;
     case Tint::yellow:
     case Tint::orange:

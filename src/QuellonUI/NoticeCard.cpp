@@ -10,7 +10,7 @@ namespace {
 
 constexpr int buttonsInARow = 2;
 
-FlatButton::Kind kindOf(const ControlsModel::Button& button, std::size_t place)
+FlatButton::Kind kindOf(const Notice::Button& button, std::size_t place)
 {
     if (button.destructive) return FlatButton::Kind::destructive;
     return place == 0 ? FlatButton::Kind::primary : FlatButton::Kind::plain;

@@ -16,7 +16,7 @@
 namespace quellon {
 namespace {
 
-using Button = ControlsModel::Button;
+using Button = Notice::Button;
 
 ControlsModel::Notice askedNotice()
 {

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "QuellonCore/Enforcement/EnforcementAction.h"
 #include "QuellonCore/Support/EnumTable.h"
 
+#include <array>
+#include <span>
 #include <string_view>
 
 namespace quellon {
@@ -38,6 +41,16 @@ inline constexpr AppEdition currentEdition = AppEdition::pro;
 [[nodiscard]] constexpr bool allowsSystemCommands(AppEdition edition)
 {
     return allowsEnforcement(edition);
+}
+
+/// The ways to step in, mildest first.
+inline constexpr std::array<EnforcementAction, 4> interventions{EnforcementAction::warn, EnforcementAction::suspend,
+                                                                EnforcementAction::terminate, EnforcementAction::kill};
+
+/// The ways to step in that the edition offers, in the order in which they are shown.
+[[nodiscard]] constexpr std::span<const EnforcementAction> availableActions(AppEdition edition)
+{
+    return std::span{interventions}.first(allowsEnforcement(edition) ? interventions.size() : 1);
 }
 
 } // namespace quellon

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "QuellonCore/Budget/BudgetStatus.h"
+#include "QuellonCore/Presentation/Tint.h"
 #include "QuellonCore/Support/Calendar.h"
 
 #include <optional>
@@ -10,8 +11,7 @@
 /// Where the plan stands, in words.
 namespace quellon::BudgetPresentation {
 
-/// How something is coloured; `secondary` is the colour of what matters less.
-enum class Tint { secondary, green, yellow, orange, red };
+using quellon::Tint;
 
 inline constexpr std::string_view monthTitle = "This month";
 inline constexpr std::string_view todayTitle = "Today";

@@ -18,12 +18,11 @@ namespace quellon {
 class Controls {
 public:
     /// How long a transient notification stays.
-    static constexpr Seconds transientTime{6.0};
-    /// How many persistent notifications wait for an answer; one more pushes the oldest out, as on a desktop.
-    static constexpr std::size_t mostQuestions = 3;
-    /// How long nothing can be answered or dismissed after another notification has come to its turn: what the user
-    /// presses in that moment was meant for what stood there before.
-    static constexpr Seconds holdTime{0.5};
+    static constexpr Seconds transientTime = Notice::transientTime;
+    /// How many persistent notifications wait for an answer.
+    static constexpr std::size_t mostQuestions = Notice::mostWaiting;
+    /// How long nothing can be answered or dismissed after another notification has come to its turn.
+    static constexpr Seconds holdTime = Notice::holdTime;
 
     /// `changed` is called in a turn of the run loop after the model has changed other than by the engine.
     Controls(GuardEngine& engine, NotificationFeed& feed, std::function<void()> changed);

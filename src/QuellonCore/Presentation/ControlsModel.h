@@ -1,9 +1,9 @@
 #pragma once
 
 #include "QuellonCore/Engine/GuardEngine.h"
-#include "QuellonCore/Notifications/NotificationPlan.h"
 #include "QuellonCore/Presentation/BudgetPresentation.h"
 #include "QuellonCore/Presentation/MenuPresentation.h"
+#include "QuellonCore/Presentation/Notice.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -45,24 +45,7 @@ struct ControlsModel {
         bool operator==(const Paused&) const = default;
     };
 
-    /// An answer to a notification.
-    struct Button {
-        std::string_view title;
-        bool destructive = false;
-        bool operator==(const Button&) const = default;
-    };
-
-    /// A notification.
-    struct Notice {
-        NotificationStyle style = NotificationStyle::transient;
-        std::string title;
-        std::vector<std::string> text; ///< Subtitle and body, line by line, none of them empty.
-        std::vector<Button> buttons;
-        std::uint64_t serial = 0; ///< Which one it is: of the same `Controls` no other has it, whatever it says.
-        bool operator==(const Notice&) const = default;
-
-        [[nodiscard]] static Notice of(const NotificationPlan& plan, std::uint64_t serial = 0);
-    };
+    using Notice = quellon::Notice;
 
     static constexpr std::string_view pausedHeading = "paused";
     static constexpr std::string_view quitEffect = "quits";

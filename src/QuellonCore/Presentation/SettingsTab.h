@@ -2,6 +2,8 @@
 
 #include "QuellonCore/Support/EnumTable.h"
 
+#include <string_view>
+
 namespace quellon {
 
 /// A page of the settings window.
@@ -19,6 +21,24 @@ inline constexpr EnumTable<SettingsTab, 5> settingsTabs{{{
 constexpr const auto& enumTable(SettingsTab /*type*/)
 {
     return settingsTabs;
+}
+
+/// The name of the tab's symbol.
+[[nodiscard]] constexpr std::string_view symbol(SettingsTab tab)
+{
+    switch (tab) {
+    case SettingsTab::plan:
+        return "chart.pie";
+    case SettingsTab::rules:
+        return "gauge.with.needle";
+    case SettingsTab::apps:
+        return "lock.shield";
+    case SettingsTab::log:
+        return "list.bullet";
+    case SettingsTab::about:
+        break;
+    }
+    return "info.circle";
 }
 
 } // namespace quellon

@@ -30,9 +30,9 @@ TEST_F(ControlsTest, everyButtonDoesWhatItSays)
                       {NotificationAction::terminate, NotificationAction::allowOnce, NotificationAction::muteToday,
                        NotificationAction::view}));
     EXPECT_THAT(model().question->buttons,
-                ElementsAre(ControlsModel::Button{"Stop it", true}, ControlsModel::Button{"Allow until done", false},
-                            ControlsModel::Button{"Stop asking today", false},
-                            ControlsModel::Button{"Show details", false}));
+                ElementsAre(Notice::Button{"Stop it", true}, ControlsModel::Button{"Allow until done", false},
+                            Notice::Button{"Stop asking today", false},
+                            Notice::Button{"Show details", false}));
     EXPECT_THAT(answer(1), ElementsAre("info: Player allowed until this transfer finishes"));
     EXPECT_EQ(model().question, std::nullopt);
 }

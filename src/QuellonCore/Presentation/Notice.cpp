@@ -1,11 +1,11 @@
-#include "QuellonCore/Presentation/ControlsModel.h"
+#include "QuellonCore/Presentation/Notice.h"
 
 #include "QuellonCore/Presentation/PlainText.h"
 #include "QuellonCore/Support/Text.h"
 
 namespace quellon {
 
-ControlsModel::Notice ControlsModel::Notice::of(const NotificationPlan& plan, std::uint64_t serial)
+Notice Notice::of(const NotificationPlan& plan, std::uint64_t serial)
 {
     Notice result;
     result.style = plan.style;
