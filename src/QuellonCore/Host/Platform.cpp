@@ -24,7 +24,12 @@ Platform Platform::macOS()
                 {"/bin/ps", {"-o", "lstart=", "-p"}},
                 {"/bin/ps", {"-o", "ppid=", "-p"}},
             }},
-            ProtectionTable::macOS()};
+            ProtectionTable::macOS(),
+            "Your iPhone is connected, but traffic isn't using it",
+            "1. Open Network settings\n2. Click ⋯ at the bottom → Set Service Order\n3. Drag iPhone USB above Wi-Fi",
+            "x-apple.systempreferences:com.apple.Network-Settings.extension",
+            {},
+            "Mac"};
 }
 
 Platform Platform::linux()
@@ -41,7 +46,13 @@ Platform Platform::linux()
                 {probe, {"start"}},
                 {probe, {"parent"}},
             }},
-            ProtectionTable::linux()};
+            ProtectionTable::linux(),
+            "Your phone is connected, but traffic isn't using it",
+            "1. Open Network settings\n2. Disconnect the network that is in use\n3. Leave the phone's connection on",
+            "",
+            {{"gnome-control-center", {"network"}},
+             {"systemsettings", {"kcm_networkmanagement"}},
+             {"nm-connection-editor", {}}}};
 }
 
 Platform Platform::current()

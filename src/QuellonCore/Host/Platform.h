@@ -32,6 +32,18 @@ struct Platform {
 
     ProtectionTable protection; ///< What the guard never touches here.
 
+    /// How the hint about a phone that is tethered but not used begins.
+    std::string tetherTitle;
+    /// What the user can do about it, line by line.
+    std::string tetherSteps;
+    /// What opens the system's network settings: an address for the system's opener, or where it is empty, programs of
+    /// which the first that is installed is the one, named without a folder.
+    std::string networkSettingsURL;
+    std::vector<Command> networkSettingsPrograms;
+
+    /// What a machine with this system is called: "Mac".
+    std::string machine = "computer";
+
     /// The command that answers `role`, with `arguments` appended.
     [[nodiscard]] Command tool(ToolRole role, const std::vector<std::string>& arguments = {}) const;
 

@@ -4,9 +4,6 @@
 
 #include <fmt/format.h>
 
-#include <array>
-#include <cstddef>
-
 namespace quellon::BudgetPresentation {
 
 namespace {
@@ -42,17 +39,10 @@ Today today(const DailyBudgetStatus& daily)
     return result;
 }
 
-std::string monthAndDay(Date date, const Calendar& calendar)
-{
-    constexpr std::array<std::string_view, 12> months{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                                      "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-    const CalendarDay day = calendar.day(date);
-    return fmt::format("{} {}", months[static_cast<std::size_t>(day.month - 1)], day.day);
-}
-
 } // namespace
 
-Row row(const BudgetStatus& status, const std::optional<DailyBudgetStatus>& daily, const Calendar& calendar)
+Row row(const BudgetStatus& status, const std::optional<DailyBudgetStatus>& daily, const Calendar& calendar,
+        const DateTexts& dates)
 {
     Row result;
     result.amounts = fmt::format("{} / {}", format(status.usedBytes), format(status.planBytes));
@@ -60,7 +50,7 @@ Row row(const BudgetStatus& status, const std::optional<DailyBudgetStatus>& dail
     result.tint = cycleTint(status);
     result.rest = fmt::format("{} left · {}d to reset", format(status.remainingBytes()), status.daysRemaining);
     if (status.willOverrun()) {
-        result.runsOut = fmt::format("runs out {}", monthAndDay(*status.projectedExhaustion, calendar));
+        result.runsOut = fmt::format("runs out {}", dates.monthAndDay(calendar.day(*status.projectedExhaustion)));
     }
     if (daily) result.today = today(*daily);
     if (status.unmeasuredGaps >= 1) {

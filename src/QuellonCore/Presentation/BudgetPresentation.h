@@ -1,6 +1,7 @@
 #pragma once
 
 #include "QuellonCore/Budget/BudgetStatus.h"
+#include "QuellonCore/Presentation/DateTexts.h"
 #include "QuellonCore/Presentation/Tint.h"
 #include "QuellonCore/Support/Calendar.h"
 
@@ -15,6 +16,11 @@ using quellon::Tint;
 
 inline constexpr std::string_view monthTitle = "This month";
 inline constexpr std::string_view todayTitle = "Today";
+/// Stands before `Today::rest` and before `Row::runsOut`.
+inline constexpr std::string_view separator = "·";
+/// Of `Row::runsOut`, and of `Row::gaps`.
+inline constexpr Tint runsOutTint = Tint::red;
+inline constexpr Tint gapsTint = Tint::orange;
 
 /// Today's share of the plan.
 struct Today {
@@ -36,8 +42,9 @@ struct Row {
     bool operator==(const Row&) const = default;
 };
 
-/// The texts for a plan and, where there is one, for the day. The calendar names the day on which the plan runs out.
+/// The texts for a plan and, where there is one, for the day. The calendar tells the day on which the plan runs out,
+/// and `dates` how it is written.
 [[nodiscard]] Row row(const BudgetStatus& status, const std::optional<DailyBudgetStatus>& daily,
-                      const Calendar& calendar);
+                      const Calendar& calendar, const DateTexts& dates = {});
 
 } // namespace quellon::BudgetPresentation

@@ -1,5 +1,6 @@
 #include "QuellonCore/Presentation/OverviewModel.h"
 
+#include "QuellonCore/Presentation/EngineNotices.h"
 #include "QuellonCore/Presentation/PlainText.h"
 #include "QuellonCore/Rules/GuardRule.h"
 
@@ -23,11 +24,6 @@ std::string shareText(double share)
     return fmt::format("{:.0f}%", percent);
 }
 
-std::string displayName(const GuardEngine& engine, const std::string& device)
-{
-    return plainText(InterfaceNames::display(device, engine.interfaceNames()));
-}
-
 std::optional<std::string> counters(const GuardEngine& engine)
 {
     const auto& reading = engine.interfaceCounter();
@@ -38,31 +34,15 @@ std::optional<std::string> counters(const GuardEngine& engine)
 
 std::optional<std::string> warning(const GuardEngine& engine, const Calendar& calendar)
 {
-    const auto failedAt = engine.lastSampleFailureAt();
+    const auto failedAt = EngineNotices::sampleFailure(engine);
     if (!failedAt) return std::nullopt;
-    // A round notes that it has ended and then what it got, so a later end belongs to a later round, which got a sample
-    // or needed none.
-    const auto completedAt = engine.sampling().lastCompletedAt;
-    if (completedAt && *completedAt > *failedAt) return std::nullopt;
     return fmt::format("Couldn't read per-app traffic at {} — retrying", calendar.clockTime(*failedAt));
-}
-
-std::optional<std::string> hint(const GuardEngine& engine)
-{
-    if (!engine.showsTetherHint()) return std::nullopt;
-    const std::string idle = displayName(engine, *engine.idleTetherInterface());
-    const std::string& system = engine.host().platform.name;
-    if (engine.status().interface.empty()) {
-        return fmt::format("{} is ready, but {} is sending traffic elsewhere.", idle, system);
-    }
-    return fmt::format("{} is ready, but {} is still using {}.", idle, system,
-                       displayName(engine, engine.status().interface));
 }
 
 std::string emptyText(const GuardEngine& engine)
 {
     if (const auto reason = engine.capabilities().samplingBlockedReason()) return std::string{*reason};
-    return engine.isRunning() ? "No traffic yet" : "Guard is off";
+    return std::string{EngineNotices::emptyText(engine)};
 }
 
 std::unordered_map<std::string, std::uint64_t> lastMinute(const GuardEngine& engine, Date now)
@@ -93,16 +73,6 @@ std::vector<OverviewModel::Row> rows(const GuardEngine& engine, Date now)
     return result;
 }
 
-std::vector<OverviewModel::LogLine> log(const GuardEngine& engine, const Calendar& calendar)
-{
-    std::vector<OverviewModel::LogLine> result;
-    result.reserve(engine.events().size());
-    for (const GuardEvent& each : engine.events()) {
-        result.push_back({each.id, calendar.clockTime(each.at), each.kind, plainText(each.message)});
-    }
-    return result;
-}
-
 } // namespace
 
 OverviewModel OverviewModel::of(const GuardEngine& engine, Date now)
@@ -115,15 +85,26 @@ OverviewModel OverviewModel::of(const GuardEngine& engine, Date now)
         .tone = MenuPresentation::tone(isRunning, isMetered, meteredOnly),
         .title = std::string{MenuPresentation::statusTitle(isRunning, isMetered, meteredOnly)},
         .detail = plainText(engine.status().detail),
-        .interface = displayName(engine, engine.status().interface),
+        .interface = EngineNotices::displayName(engine, engine.status().interface),
         .counters = quellon::counters(engine),
         .warning = quellon::warning(engine, calendar),
-        .hint = quellon::hint(engine),
+        .hint = EngineNotices::tetherSentence(engine),
         .windowHeading = fmt::format("{} window", windowLabel(engine.settings().primaryWindow())),
         .emptyText = quellon::emptyText(engine),
         .rows = quellon::rows(engine, now),
-        .log = quellon::log(engine, calendar),
+        .log = logOf(engine),
     };
+}
+
+std::vector<OverviewModel::LogLine> OverviewModel::logOf(const GuardEngine& engine)
+{
+    const Calendar calendar = engine.host().clock.calendar();
+    std::vector<LogLine> result;
+    result.reserve(engine.events().size());
+    for (const GuardEvent& each : engine.events()) {
+        result.push_back({each.id, calendar.clockTime(each.at), each.kind, plainText(each.message)});
+    }
+    return result;
 }
 
 } // namespace quellon

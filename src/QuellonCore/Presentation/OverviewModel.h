@@ -58,6 +58,9 @@ struct OverviewModel {
     /// The model of the engine's values. `now` ends the last minute; the local time is that of the engine's clock.
     [[nodiscard]] static OverviewModel of(const GuardEngine& engine, Date now);
 
+    /// The activity log alone, newest first.
+    [[nodiscard]] static std::vector<LogLine> logOf(const GuardEngine& engine);
+
     bool operator==(const OverviewModel&) const = default;
 };
 

@@ -178,13 +178,19 @@ const PlanProfile& GuardSettings::activeProfile() const
     return activePlan(*this);
 }
 
+const GuardRule* GuardSettings::primaryRule() const
+{
+    const GuardRule* primary = nullptr;
+    for (const GuardRule& rule : rules()) {
+        if (rule.enabled && (primary == nullptr || rule.windowSeconds < primary->windowSeconds)) primary = &rule;
+    }
+    return primary;
+}
+
 Seconds GuardSettings::primaryWindow() const
 {
-    std::optional<Seconds> shortest;
-    for (const GuardRule& rule : rules()) {
-        if (rule.enabled) shortest = std::min(shortest.value_or(rule.windowSeconds), rule.windowSeconds);
-    }
-    return shortest.value_or(defaultWindow);
+    const GuardRule* rule = primaryRule();
+    return rule != nullptr ? rule->windowSeconds : defaultWindow;
 }
 
 Seconds GuardSettings::requiredRetention() const

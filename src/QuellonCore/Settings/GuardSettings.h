@@ -79,6 +79,10 @@ struct GuardSettings {
     [[nodiscard]] std::vector<GuardRule>& rules() { return activeProfile().rules; }
     [[nodiscard]] const std::vector<GuardRule>& rules() const { return activeProfile().rules; }
 
+    /// The rule that the tables show: of the enabled rules of the active plan the first with the shortest window. Null
+    /// when none is enabled; otherwise it lives as long as the settings are left alone.
+    [[nodiscard]] const GuardRule* primaryRule() const;
+
     /// The window that the tables show: the shortest window of an enabled rule; 60 seconds when no rule is enabled.
     [[nodiscard]] Seconds primaryWindow() const;
 
