@@ -1,0 +1,27 @@
+#include "QuellonCore/Presentation/AboutModel.h"
+
+#include "QuellonCore/Presentation/AboutInfo.h"
+
+#include <fmt/format.h>
+
+namespace quellon {
+
+AboutModel AboutModel::of(const GuardEngine& engine, const Build& build, bool copied)
+{
+    const std::string& systemName = engine.host().platform.name;
+    const AppEdition edition = engine.capabilities().edition;
+    AboutModel model;
+    model.name = displayName(edition);
+    model.version = AboutInfo::displayVersion(build.shortVersion, build.build);
+    model.links = {
+        {{"Website", std::string{AboutInfo::website}}, {"Send feedback", AboutInfo::feedbackURL(model.version)}}};
+    model.copy = {copied ? "Copied ✓" : "Copy diagnostics", "Copy diagnostics", SettingsActions::ShowCopied{true}};
+    model.diagnostics = AboutInfo::diagnostics(edition, model.version, systemName, build.systemVersion,
+                                               engine.status().isMetered, engine.isRunning());
+    model.note = fmt::format("Paste it into your email — it only contains the app version, {} version and whether the "
+                             "guard is on. No app names, no traffic data.",
+                             systemName);
+    return model;
+}
+
+} // namespace quellon

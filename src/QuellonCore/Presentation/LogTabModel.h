@@ -1,0 +1,25 @@
+#pragma once
+
+#include "QuellonCore/Engine/GuardEngine.h"
+#include "QuellonCore/Presentation/OverviewModel.h"
+
+#include <string_view>
+#include <vector>
+
+namespace quellon {
+
+/// The settings window's page with the activity log.
+struct LogTabModel {
+    static constexpr std::string_view emptyText = "Nothing yet"; ///< In the place of the rows when there are none.
+
+    std::vector<OverviewModel::LogLine> rows; ///< Newest first.
+
+    [[nodiscard]] static LogTabModel of(const GuardEngine& engine);
+
+    /// The symbol before a line of this kind.
+    [[nodiscard]] static std::string_view symbol(GuardEvent::Kind kind);
+
+    bool operator==(const LogTabModel&) const = default;
+};
+
+} // namespace quellon

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "QuellonCore/Presentation/NumberField.h"
+#include "QuellonCore/Presentation/SettingsTab.h"
+#include "QuellonCore/Rules/RuleDerivation.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quellon {
+
+/// What the settings window, or the first-run window, remembers between two models, beside what the engine knows. The
+/// window's tab stays chosen when it is opened again.
+struct SettingsState {
+    SettingsTab tab = SettingsTab::plan;
+    /// What was typed into number fields and has not taken effect; what was refused stays until it is mended.
+    std::map<NumberField, std::string> drafts;
+    /// What the user is asked about before the rules are derived anew; empty while nobody is asked.
+    std::vector<RuleDerivation::PendingRuleChange> pendingRederive;
+    bool showingPicker = false;
+    std::string query;                        ///< The picker's filter.
+    std::optional<std::string> askingConsent; ///< The application whose details ask for the consent to lookups.
+    bool copied = false;                      ///< The diagnostics were copied a moment ago.
+
+    bool operator==(const SettingsState&) const = default;
+};
+
+} // namespace quellon
