@@ -2,6 +2,7 @@
 
 #include "ScriptedHost.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace quellon {
@@ -28,6 +29,13 @@ TEST(AppEdition, table)
     }
     EXPECT_EQ(appEditions.parse("Pro"), std::nullopt);
     EXPECT_EQ(currentEdition, AppEdition::pro);
+}
+
+TEST(AppEdition, availableActions)
+{
+    using enum EnforcementAction;
+    EXPECT_THAT(availableActions(AppEdition::pro), testing::ElementsAre(warn, suspend, terminate, kill));
+    EXPECT_THAT(availableActions(AppEdition::appStore), testing::ElementsAre(warn));
 }
 
 TEST(Capabilities, detect)
