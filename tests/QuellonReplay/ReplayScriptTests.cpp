@@ -165,7 +165,8 @@ TEST(ReplayScript, actsThatAreRefused)
          "answer: \"minutes\" is not known"},
         {"consent that is neither yes nor no", R"({"call": "answerExplainConsent", "granted": "yes"})",
          "call: \"granted\" has a value of the wrong kind"},
-        {"panel", R"({"show": "panel"})", "show panel is not there yet"},
+        {"snapshot", R"({"show": "snapshot"})", "show snapshot is not there yet"},
+        {"panel with more", R"({"show": "panel", "app": "A"})", "show: \"app\" is not known"},
         {"nothing to show", R"({"show": "weather"})", "show: \"weather\" can't be shown"},
         {"file without a name", R"({"show": "file"})", "show: \"name\" is missing"},
     });
@@ -173,9 +174,10 @@ TEST(ReplayScript, actsThatAreRefused)
 
 TEST(ReplayScript, whatNeedsARunIsRefusedWithoutOne)
 {
-    for (const char* line : {R"({"call": "tick"})", R"({"settings": {}})", R"({"quit": {}})",
-                             R"({"signal": "SIGTERM"})", R"({"crash": {}})", R"({"show": "state"})",
-                             R"({"show": "menuBar"})", R"({"answer": {"action": "view", "apps": []}})"}) {
+    for (const char* line :
+         {R"({"call": "tick"})", R"({"settings": {}})", R"({"quit": {}})", R"({"signal": "SIGTERM"})",
+          R"({"crash": {}})", R"({"show": "state"})", R"({"show": "menuBar"})", R"({"show": "panel"})",
+          R"({"answer": {"action": "view", "apps": []}})"}) {
         SCOPED_TRACE(line);
         EXPECT_EQ(play(line).errors, "replay: line 1: no guard is running: a launch comes first\n");
         EXPECT_THAT(play(std::string{"{\"launch\": {}}\n{\"crash\": {}}\n"} + line).errors,

@@ -1,5 +1,6 @@
 #include "QuellonCore/Engine/NotificationActionRouter.h"
 #include "QuellonCore/Support/EnumTable.h"
+#include "ReplayPanel.h"
 #include "ReplayState.h"
 #include "ReplayVerbs.h"
 
@@ -40,6 +41,11 @@ void showMenuBar(ReplaySession& session)
 {
     const auto bar = session.engine().menuBar(session.world().now());
     session.printer().print("menuBar", {{"title", bar.title}, {"symbol", bar.symbol}});
+}
+
+void showPanel(ReplaySession& session)
+{
+    session.printer().print("panel", replayPanel(MenuPanelModel::of(session.engine(), session.world().now())));
 }
 
 void showFile(ReplaySession& session, const std::string& name)
@@ -137,11 +143,12 @@ Action show(ReplayFields& line, Context& context)
         const auto name = line.required<std::string>("name");
         return [name](ReplaySession& session) { showFile(session, name); };
     }
-    if (what == "panel" || what == "detail" || what == "snapshot") {
+    if (what == "detail" || what == "snapshot") {
         throw ReplayError{"show " + what + " is not there yet"};
     }
-    if (what != "state" && what != "menuBar") line.refuse("\"" + what + "\" can't be shown");
+    if (what != "state" && what != "menuBar" && what != "panel") line.refuse("\"" + what + "\" can't be shown");
     requireRun(context);
+    if (what == "panel") return showPanel;
     return what == "state" ? showState : showMenuBar;
 }
 

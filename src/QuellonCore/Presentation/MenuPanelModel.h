@@ -48,7 +48,7 @@ struct MenuPanelModel {
     struct Header {
         Tint tint = Tint::secondary; ///< Of the dot before the title.
         std::string_view title;
-        std::string detail; ///< In the secondary colour.
+        std::string detail;
         bool isOn = false;
         PanelButton toggle; ///< A switch without a title.
         bool operator==(const Header&) const = default;
@@ -65,7 +65,7 @@ struct MenuPanelModel {
         bool operator==(const NoticeRow&) const = default;
     };
 
-    /// A menu in the secondary colour, between two symbols.
+    /// A menu: the name between two symbols.
     struct ProfileSwitcher {
         struct Item {
             PanelButton button;
@@ -87,6 +87,9 @@ struct MenuPanelModel {
         bool operator==(const Paused&) const = default;
     };
 
+    /// Of what matters less: the header's detail, the switcher, the limit, what the plan still holds, and what an
+    /// application is.
+    static constexpr Tint quietTint = Tint::secondary;
     static constexpr std::string_view pausedTitle = "Paused";
     /// Of each paused application.
     static constexpr std::string_view pausedSymbol = PanelSymbols::paused;

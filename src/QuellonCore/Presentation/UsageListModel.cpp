@@ -34,7 +34,7 @@ Tint levelTint(MenuPresentation::Level level)
 UsageRowModel::Details details(const UsageRow& row, const std::string& name)
 {
     constexpr std::string_view unknown = "Not in the knowledge pack yet — see Details for its activity.";
-    return {row.explanation ? row.explanation->whatItIs : std::string{unknown},
+    return {row.explanation ? plainText(row.explanation->whatItIs) : std::string{unknown},
             row.actionLine,
             {"Details…", "Open details for " + name, {PanelAction::Kind::openDetails, row.item.app}}};
 }

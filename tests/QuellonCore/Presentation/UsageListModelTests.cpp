@@ -147,7 +147,7 @@ TEST(UsageRowModel, collapsed)
 TEST(UsageRowModel, expanded)
 {
     AppExplanation explanation;
-    explanation.whatItIs = "A music player.";
+    explanation.whatItIs = "A music\nplayer.";
     UsageRow row{{"Player", 1, {}}, 0, true, {}, true, explanation, "Muted until 00:00."};
     const auto known = UsageRowModel::of(row, now);
     EXPECT_EQ(known.toggle, (PanelButton{"", "Collapse Player", {PanelAction::Kind::toggleRow, "Player"}}));
@@ -155,7 +155,7 @@ TEST(UsageRowModel, expanded)
     EXPECT_EQ(known.chronicBadge, "🐌");
     EXPECT_EQ(known.chronicHelp, "Slow but steady — high usage over the long window");
     ASSERT_TRUE(known.details);
-    EXPECT_EQ(known.details->whatItIs, "A music player.");
+    EXPECT_EQ(known.details->whatItIs, "A music�player.");
     EXPECT_EQ(known.details->actionLine, "Muted until 00:00.");
     EXPECT_EQ(known.details->button,
               (PanelButton{"Details…", "Open details for Player", {PanelAction::Kind::openDetails, "Player"}}));

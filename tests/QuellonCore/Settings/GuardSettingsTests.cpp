@@ -129,6 +129,29 @@ TEST(GuardSettings, windowsOfTheRules)
     }
 }
 
+TEST(GuardSettings, primaryRule)
+{
+    struct Case {
+        const char* name;
+        std::vector<GuardRule> rules;
+        std::optional<std::size_t> place;
+    };
+    const Case cases[] = {
+        {"no rule", {}, {}},
+        {"no enabled rule", {rule(30.0, false)}, {}},
+        {"the shortest", {rule(300.0), rule(60.0), rule(90.0)}, 1},
+        {"disabled rules don't count", {rule(10.0, false), rule(120.0), rule(60.0, false)}, 1},
+        {"of equals the first", {rule(300.0), rule(60.0), rule(60.0)}, 1},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        GuardSettings settings = twoPlans();
+        settings.profiles[0].rules = {rule(5.0)};
+        settings.rules() = c.rules;
+        EXPECT_EQ(settings.primaryRule(), c.place ? &settings.rules()[*c.place] : nullptr);
+    }
+}
+
 TEST(GuardSettings, dailyBudgetBytes)
 {
     GuardSettings settings = twoPlans();
