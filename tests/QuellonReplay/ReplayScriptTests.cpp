@@ -167,6 +167,7 @@ TEST(ReplayScript, actsThatAreRefused)
          "call: \"granted\" has a value of the wrong kind"},
         {"snapshot", R"({"show": "snapshot"})", "show snapshot is not there yet"},
         {"panel with more", R"({"show": "panel", "app": "A"})", "show: \"app\" is not known"},
+        {"details of nothing", R"({"show": "detail"})", "show: \"app\" is missing"},
         {"nothing to show", R"({"show": "weather"})", "show: \"weather\" can't be shown"},
         {"file without a name", R"({"show": "file"})", "show: \"name\" is missing"},
     });
@@ -177,7 +178,7 @@ TEST(ReplayScript, whatNeedsARunIsRefusedWithoutOne)
     for (const char* line :
          {R"({"call": "tick"})", R"({"settings": {}})", R"({"quit": {}})", R"({"signal": "SIGTERM"})",
           R"({"crash": {}})", R"({"show": "state"})", R"({"show": "menuBar"})", R"({"show": "panel"})",
-          R"({"answer": {"action": "view", "apps": []}})"}) {
+          R"({"show": "detail", "app": "A"})", R"({"answer": {"action": "view", "apps": []}})"}) {
         SCOPED_TRACE(line);
         EXPECT_EQ(play(line).errors, "replay: line 1: no guard is running: a launch comes first\n");
         EXPECT_THAT(play(std::string{"{\"launch\": {}}\n{\"crash\": {}}\n"} + line).errors,

@@ -1,5 +1,6 @@
 #include "QuellonCore/Engine/NotificationActionRouter.h"
 #include "QuellonCore/Support/EnumTable.h"
+#include "ReplayDetail.h"
 #include "ReplayPanel.h"
 #include "ReplayState.h"
 #include "ReplayVerbs.h"
@@ -41,6 +42,12 @@ void showMenuBar(ReplaySession& session)
 {
     const auto bar = session.engine().menuBar(session.world().now());
     session.printer().print("menuBar", {{"title", bar.title}, {"symbol", bar.symbol}});
+}
+
+void showDetail(ReplaySession& session, const std::string& app)
+{
+    const auto model = AppDetailModel::of(session.engine(), app, false, session.world().now());
+    session.printer().print("detail", replayDetail(model));
 }
 
 void showPanel(ReplaySession& session)
@@ -143,8 +150,11 @@ Action show(ReplayFields& line, Context& context)
         const auto name = line.required<std::string>("name");
         return [name](ReplaySession& session) { showFile(session, name); };
     }
-    if (what == "detail" || what == "snapshot") {
-        throw ReplayError{"show " + what + " is not there yet"};
+    if (what == "snapshot") throw ReplayError{"show snapshot is not there yet"};
+    if (what == "detail") {
+        const auto app = line.required<std::string>("app");
+        requireRun(context);
+        return [app](ReplaySession& session) { showDetail(session, app); };
     }
     if (what != "state" && what != "menuBar" && what != "panel") line.refuse("\"" + what + "\" can't be shown");
     requireRun(context);
