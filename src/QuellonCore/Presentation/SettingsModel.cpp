@@ -23,9 +23,11 @@ SettingsModel::Page page(const GuardEngine& engine, const SettingsState& state, 
 
 } // namespace
 
-SettingsModel SettingsModel::of(const GuardEngine& engine, const SettingsState& state, const AboutModel::Build& build,
-                                Date now)
+SettingsModel SettingsModel::of(const GuardEngine& engine, const SettingsState& unsettled,
+                                const AboutModel::Build& build, Date now)
 {
+    SettingsState state = unsettled;
+    settle(engine, state);
     SettingsModel model;
     for (const auto& row : settingsTabs.rows) {
         Tab tab;

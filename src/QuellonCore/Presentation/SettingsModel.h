@@ -36,6 +36,11 @@ struct SettingsModel {
     bool operator==(const SettingsModel&) const = default;
 };
 
+/// Forgets what belongs to something that is no longer there: what was typed about a plan, and the question about its
+/// rules, when another plan has become the active one, whoever did that; the question about lookups when the details of
+/// its application are no longer open. For whoever keeps the state, whenever the engine tells of a change.
+void settle(const GuardEngine& engine, SettingsState& state);
+
 /// Carries out what a control did, at once; what is no longer there (a rule, a plan) is left alone. Main thread only.
 /// True when the first-run window is done with and is to close.
 bool perform(const SettingsAction& action, GuardEngine& engine, SettingsState& state);

@@ -15,6 +15,13 @@ using namespace SettingsActions;
 
 constexpr double bytesPerMegabyte = 1024.0 * 1024.0;
 
+/// Drops what was typed about a plan; the carrier's word stays.
+void forgetDrafts(SettingsState& state)
+{
+    std::erase_if(state.drafts,
+                  [](const auto& draft) { return draft.first.kind != NumberField::Kind::carrierReading; });
+}
+
 GuardRule* find(std::vector<GuardRule>& rules, const UUID& id)
 {
     const auto found = std::ranges::find(rules, id, &GuardRule::id);
@@ -28,14 +35,13 @@ public:
 
     bool operator()(const SelectTab& action)
     {
-        forgetDrafts();
+        forgetDrafts(state_);
         state_.tab = action.tab;
         return false;
     }
 
     bool operator()(const SelectProfile& action)
     {
-        forgetDrafts();
         engine_.selectProfile(action.id);
         return false;
     }
@@ -45,13 +51,11 @@ public:
     }
     bool operator()(const AddProfile& /*action*/)
     {
-        forgetDrafts();
         engine_.addProfile("New profile");
         return false;
     }
     bool operator()(const DeleteProfile& action)
     {
-        forgetDrafts();
         engine_.deleteProfile(action.id);
         return false;
     }
@@ -77,13 +81,13 @@ public:
         auto derived = RuleDerivation::defaultRules(plan.planGB, plan.usageProfile, engine_.host().identifiers);
         state_.pendingRederive = RuleDerivation::pendingChanges(plan.rules, derived);
         if (!state_.pendingRederive.empty()) return false;
-        forgetDrafts();
+        forgetDrafts(state_);
         return edit([&](GuardSettings& settings) { settings.rules() = std::move(derived); });
     }
     bool operator()(const ReplaceRules& /*action*/)
     {
         if (state_.pendingRederive.empty()) return false;
-        forgetDrafts();
+        forgetDrafts(state_);
         rederive();
         state_.pendingRederive.clear();
         return false;
@@ -256,13 +260,6 @@ private:
         edit([&](GuardSettings& settings) { settings.rederiveRules(engine_.host().identifiers); });
     }
 
-    /// Drops what was typed about a plan that is left; the carrier's word stays.
-    void forgetDrafts()
-    {
-        std::erase_if(state_.drafts,
-                      [](const auto& draft) { return draft.first.kind != NumberField::Kind::carrierReading; });
-    }
-
     /// The number that the field has without a draft; absent when it has none.
     [[nodiscard]] std::optional<double> present(const NumberField& field) const
     {
@@ -315,8 +312,20 @@ private:
 
 } // namespace
 
+void settle(const GuardEngine& engine, SettingsState& state)
+{
+    const UUID& plan = engine.settings().activeProfile().id;
+    if (state.plan != plan) {
+        forgetDrafts(state);
+        state.pendingRederive.clear();
+        state.plan = plan;
+    }
+    if (state.askingConsent != engine.detailApp()) state.askingConsent.reset();
+}
+
 bool perform(const SettingsAction& action, GuardEngine& engine, SettingsState& state)
 {
+    settle(engine, state);
     return std::visit(Performer{engine, state}, action);
 }
 

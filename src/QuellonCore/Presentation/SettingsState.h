@@ -3,6 +3,7 @@
 #include "QuellonCore/Presentation/NumberField.h"
 #include "QuellonCore/Presentation/SettingsTab.h"
 #include "QuellonCore/Rules/RuleDerivation.h"
+#include "QuellonCore/Support/UUID.h"
 
 #include <map>
 #include <optional>
@@ -15,6 +16,7 @@ namespace quellon {
 /// window's tab stays chosen when it is opened again.
 struct SettingsState {
     SettingsTab tab = SettingsTab::plan;
+    UUID plan; ///< The plan that the next two are about.
     /// What was typed into number fields and has not taken effect; what was refused stays until it is mended.
     std::map<NumberField, std::string> drafts;
     /// What the user is asked about before the rules are derived anew; empty while nobody is asked.

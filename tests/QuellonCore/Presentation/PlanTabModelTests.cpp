@@ -292,13 +292,34 @@ TEST_F(PlanTab, theLargestCorrections)
     EXPECT_EQ(model().cycle->adjusted, "Adjusted by −8589934592.00 GB this cycle.");
 }
 
-TEST_F(PlanTab, anotherPlanForgetsWhatWasTyped)
+/// The window as a whole: what is typed and asked belongs to the plan that was active then.
+TEST_F(PlanTab, anotherPlanForgetsWhatWasTypedAndAsked)
 {
+    const UUID first = world.settings().activeProfileID;
+    world.does(AddProfile{});
+    world.engine.selectProfile(first);
+    world.change([](GuardSettings& settings) { settings.rules()[0].thresholdBytes = 30 * mega; });
     world.types(Kind::planSize, "5");
     world.types(Kind::carrierReading, "6");
-    world.does(AddProfile{});
-    EXPECT_EQ(model().planSize.text, "30");
-    EXPECT_EQ(model().cycle->carrier.text, "6") << "the carrier's word stays";
+    world.does(RederiveRules{});
+    const auto shown = [this] {
+        return std::get<PlanTabModel>(SettingsModel::of(world.engine, world.state, {}, world.host.now()).page);
+    };
+    EXPECT_EQ(shown().planSize.text, "5");
+    EXPECT_TRUE(shown().question);
+
+    const UUID second = world.settings().profiles[1].id;
+    world.engine.selectProfile(second); // by nobody's press, as on another network
+    EXPECT_EQ(shown().planSize.text, "30");
+    EXPECT_EQ(shown().question, std::nullopt);
+    EXPECT_EQ(shown().cycle->carrier.text, "6") << "the carrier's word stays";
+    const auto before = world.settings();
+    world.does(CommitNumber{{Kind::planSize, {}}});
+    world.does(ReplaceRules{});
+    EXPECT_EQ(world.settings(), before) << "nothing of it reaches the other plan";
+    world.does(SelectProfile{first});
+    EXPECT_EQ(shown().planSize.text, "30");
+    EXPECT_EQ(shown().question, std::nullopt);
 }
 
 } // namespace

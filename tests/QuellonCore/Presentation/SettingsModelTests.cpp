@@ -68,6 +68,18 @@ TEST_F(SettingsWindowModel, detailSheet)
     EXPECT_EQ(world.engine.detailApp(), std::nullopt);
 }
 
+TEST_F(SettingsWindowModel, theQuestionAboutLookupsEndsWithItsSheet)
+{
+    world.does(OpenDetails{"helperd"});
+    world.does(ExplainOnline{"helperd"});
+    EXPECT_TRUE(model().detail->unknown->consent);
+    world.engine.setDetailApp("otherd"); // as from a notification
+    EXPECT_EQ(model().detail->unknown->consent, std::nullopt);
+    settle(world.engine, world.state);
+    world.engine.setDetailApp("helperd");
+    EXPECT_EQ(model().detail->unknown->consent, std::nullopt);
+}
+
 TEST_F(SettingsWindowModel, log)
 {
     GuardEngine fresh{world.host, world.stopped()};
