@@ -62,9 +62,12 @@ TEST_F(Onboarding, thePreviewFollowsWhatIsTyped)
 
 TEST_F(Onboarding, theWholePlanIsShownNotItsRoundedText)
 {
-    world.change([](GuardSettings& settings) { settings.planGB() = 0.0004; });
-    EXPECT_EQ(model().planSize.text, "0");
-    EXPECT_EQ(model().limits[1].over, "Over 0.0 MB");
+    world.change([](GuardSettings& settings) { settings.planGB() = 0.20062; });
+    EXPECT_EQ(model().planSize.text, "0.201");
+    EXPECT_EQ(model().dailyBudget, "Daily budget 6.8 MB");
+    world.types(Kind::planSize, "0.2010");
+    EXPECT_EQ(model().dailyBudget, "Daily budget 6.9 MB");
+    world.state.drafts.clear();
     world.change([](GuardSettings& settings) { settings.planGB() = 1e9; });
     EXPECT_EQ(model().dailyBudget, "Daily budget 33333333.33 GB") << "larger than anything that could be typed";
 }
