@@ -69,7 +69,7 @@ FlatButton* find(const QWidget& parent, const char* name)
     return nullptr;
 }
 
-ControlsModel::Notice question(std::uint64_t serial, std::vector<ControlsModel::Button> buttons)
+ControlsModel::Notice question(std::uint64_t serial, std::vector<Notice::Button> buttons)
 {
     return {NotificationStyle::persistent, "Player was paused", {}, std::move(buttons), serial};
 }
