@@ -15,13 +15,14 @@ namespace {
 constexpr std::string_view temporarySuffix = ".tmp";
 
 /// Files of the folder that are no budgets.
-constexpr std::array<std::string_view, 7> otherFiles{
+constexpr std::array<std::string_view, 8> otherFiles{
     Persistence::settingsFile,
     Persistence::ledgerFile,
     Persistence::suspendedFile,
     Persistence::livenessFile,
     Persistence::enforcementHistoryFile,
     Persistence::explanationsFile,
+    Persistence::windowsFile,
     "notifications.log",
 };
 

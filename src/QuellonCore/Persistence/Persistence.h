@@ -27,6 +27,7 @@ public:
     static constexpr std::string_view livenessFile = "liveness.json";
     static constexpr std::string_view enforcementHistoryFile = "enforcement-history.json";
     static constexpr std::string_view explanationsFile = "explanations.json";
+    static constexpr std::string_view windowsFile = "windows.json";
 
     /// The largest state file that is looked into, apart from the two below. Honest ones hold some kilobytes.
     static constexpr std::size_t largestFile = std::size_t{8} * 1024 * 1024;

@@ -190,8 +190,8 @@ TEST(Persistence, isFreeForBudgets)
 {
     for (const auto& each : notPlainNames) EXPECT_FALSE(Persistence::isFreeForBudgets(each)) << each;
     for (const char* each : {"settings.json", "ledger.json", "suspended.json", "liveness.json",
-                             "enforcement-history.json", "explanations.json", "notifications.log", "Settings.JSON",
-                             "\u017Fettings.json", "settings.json.tmp", "budget.json.tmp"}) {
+                             "enforcement-history.json", "explanations.json", "windows.json", "notifications.log",
+                             "Settings.JSON", "\u017Fettings.json", "settings.json.tmp", "budget.json.tmp"}) {
         EXPECT_FALSE(Persistence::isFreeForBudgets(each)) << each;
     }
     for (const char* each : {"budget.json", "budget-6F9619FF-8B86-4D01-B42D-00CF4FC964FF.json", "a.json",

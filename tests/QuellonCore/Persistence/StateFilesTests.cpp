@@ -224,6 +224,11 @@ TEST(StateFiles, suspendedExample)
     EXPECT_EQ(decode<std::vector<SuspendedApp>>(documented("suspended.json")), suspended);
 }
 
+TEST(StateFiles, windowsExample)
+{
+    EXPECT_EQ(decode<WindowPlaces>(documented("windows.json")), (WindowPlaces{WindowPlaces::Place{480, 120}}));
+}
+
 TEST(StateFiles, explanationsExample)
 {
     AppExplanation explanation;

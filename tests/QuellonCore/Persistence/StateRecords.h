@@ -9,6 +9,7 @@
 #include "QuellonCore/Persistence/StateFile.h"
 #include "QuellonCore/Presentation/LivenessStats.h"
 #include "QuellonCore/Settings/SettingsText.h"
+#include "QuellonCore/Settings/WindowPlaces.h"
 
 #include <array>
 #include <optional>
@@ -31,7 +32,7 @@ std::optional<std::string> reencode(std::string_view text)
     return value ? std::optional{encode(*value)} : std::nullopt;
 }
 
-inline constexpr std::array<StateRecord, 7> stateRecords{{
+inline constexpr std::array<StateRecord, 8> stateRecords{{
     {Persistence::ledgerFile, reencode<UsageLedger::Snapshot>},
     {Persistence::settingsFile,
      [](std::string_view text) -> std::optional<std::string> {
@@ -43,6 +44,7 @@ inline constexpr std::array<StateRecord, 7> stateRecords{{
     {Persistence::enforcementHistoryFile, reencode<EnforcementHistory>},
     {Persistence::livenessFile, reencode<LivenessStats>},
     {Persistence::explanationsFile, reencode<ExplanationCache>},
+    {Persistence::windowsFile, reencode<WindowPlaces>},
 }};
 
 } // namespace quellon
