@@ -1,0 +1,16 @@
+#pragma once
+
+#include "QuellonCore/Notifications/NotificationPlan.h"
+#include "QuellonCore/Support/Time.h"
+
+/// What the program tells of itself on a desktop.
+namespace quellon::DesktopNotices {
+
+/// How long a desktop that is just starting is given to bring up its tray.
+inline constexpr Seconds trayPatience{15.0};
+
+/// Said once in a run on a desktop without a tray: how the panel is opened all the same. Nothing to answer, and about
+/// no application.
+[[nodiscard]] NotificationPlan noTray();
+
+} // namespace quellon::DesktopNotices

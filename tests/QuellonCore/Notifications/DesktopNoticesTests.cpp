@@ -1,0 +1,20 @@
+#include "QuellonCore/Notifications/DesktopNotices.h"
+
+#include <gtest/gtest.h>
+
+namespace quellon {
+namespace {
+
+TEST(DesktopNotices, noTray)
+{
+    const auto plan = DesktopNotices::noTray();
+    EXPECT_EQ(plan.style, NotificationStyle::transient);
+    EXPECT_EQ(plan.title, "Quellon is running");
+    EXPECT_EQ(plan.subtitle, "");
+    EXPECT_EQ(plan.body, "This desktop shows no tray icons. To open Quellon's panel, start Quellon again.");
+    EXPECT_TRUE(plan.actions.empty());
+    EXPECT_TRUE(plan.apps.empty());
+}
+
+} // namespace
+} // namespace quellon
