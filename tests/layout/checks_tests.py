@@ -14,6 +14,8 @@ import links_no_qt  # noqa: E402
 
 CLEAN = {
     "src/QuellonCore/Support/Time.h": "#pragma once\n#include <chrono>\n",
+    "src/QuellonCore/Engine/GuardEngine.h": "#pragma once\n",
+    "src/QuellonCore/Rules/GuardRule.h": "#pragma once\n",
     "src/QuellonCore/Support/Time.cpp": '#include "QuellonCore/Support/Time.h"\n#include <fmt/format.h>\n',
     "src/QuellonHost/Posix/Pipe.h": "#pragma once\n#include <unistd.h>\n",
     "src/QuellonHost/Linux/Journal.cpp": '#include "QuellonHost/Posix/Pipe.h"\n#include <systemd/sd-journal.h>\n',
@@ -60,6 +62,9 @@ class Layers(unittest.TestCase):
             ("the host includes the terminal", "src/QuellonHost/Linux/A.cpp", '#include "QuellonTerminal/View.h"'),
             ("the probe includes core", "src/QuellonProbe/A.cpp", '#include "QuellonCore/Support/Time.h"'),
             ("a view includes the host", "src/QuellonUI/A.cpp", '#include "QuellonHost/Posix/Pipe.h"'),
+            ("a view includes the engine", "src/QuellonUI/A.cpp", '#include "QuellonCore/Engine/GuardEngine.h"'),
+            ("a view includes the rules", "src/QuellonUI/A.cpp", '#include "QuellonCore/Rules/GuardRule.h"'),
+            ("a view formats", "src/QuellonUI/A.cpp", "#include <fmt/format.h>"),
             ("a view includes the system", "src/QuellonUI/A.cpp", "#include <unistd.h>"),
             ("the terminal includes Qt", "src/QuellonTerminal/A.cpp", "#include <QObject>"),
             ("the terminal includes the desktop", "src/QuellonTerminal/A.cpp", '#include "QuellonUI/Row.h"'),
@@ -101,6 +106,45 @@ class OwnWords(unittest.TestCase):
                     status, output = run_check("own_words.py", CLEAN | {path: f"first line\n{text}\n"})
                     self.assertEqual(status, 1, output)
                     self.assertIn(f"{path}:2: ", output)
+
+
+class NoWording(unittest.TestCase):
+    PATH = "src/QuellonUI/A.cpp"
+
+    def test_clean_project(self):
+        fine = ('// Two words, "Two words" and QLocale in a comment\n'
+                'setStyleSheet("padding: 1px 2px; border: 0"); setObjectName("row"); load(":/symbols/%1.svg");\n'
+                "/* \"Dismiss\" */ const char separator = '\"'; setText(model.title);\n")
+        status, output = run_check("no_wording.py", CLEAN | {self.PATH: fine})
+        self.assertEqual((status, output), (0, "3 files, 0 problems\n"))
+
+    def test_names_of_a_protocol(self):
+        files = CLEAN | {"src/QuellonUI/Tray/A.cpp": 'send("NewIcon");\n'}
+        self.assertEqual(run_check("no_wording.py", files)[0], 0)
+        files = CLEAN | {"src/QuellonUI/Tray/A.cpp": 'send("Resume all");\n'}
+        self.assertEqual(run_check("no_wording.py", files)[0], 1)
+
+    def test_nothing_to_check(self):
+        self.assertEqual(run_check("no_wording.py", {})[0], 1)
+
+    def test_planted(self):
+        cases = (
+            ("a sentence", 'setText(QStringLiteral("No traffic yet"));'),
+            ("a button", 'setText(QStringLiteral("Resume"));'),
+            ("a button that asks further", 'setText(QStringLiteral("Settings…"));'),
+            ("a sign", 'setText(u"· ");'),
+            ("another script", 'setText(u"暂停");'),
+            ("a raw text", 'setText(R"(Two words)");'),
+            ("behind a text with slashes", 'open("a://b"); setText("Two words");'),
+            ("a number's text", "setText(QString::number(bytes));"),
+            ("a date's text", "setText(QLocale{}.toString(date));"),
+            ("a formatted text", 'setText(fmt::format("{}", bytes));'),
+        )
+        for name, line in cases:
+            with self.subTest(name):
+                status, output = run_check("no_wording.py", CLEAN | {self.PATH: f"// first line\n{line}\n"})
+                self.assertEqual(status, 1, output)
+                self.assertIn(f"{self.PATH}:2: ", output)
 
 
 class LinksNoQt(unittest.TestCase):

@@ -19,6 +19,7 @@ DATE = r"date/.+"
 UTF8PROC = r"utf8proc\.h"
 CURL = r"curl/.+"
 QT = r"Q[A-Z]\w+|Qt[A-Z]\w*/.+"
+XCB = r"xcb/xcb\.h"
 CURSES = r"(ncursesw/)?(n?curses|term)\.h"
 POSIX = (r"(dirent|errno|fcntl|fnmatch|grp|ifaddrs|langinfo|limits|locale|net/if|netdb|poll|pthread|pwd|sched|semaphore"
          r"|signal|spawn|stdint|stdio|stdlib|string|strings|syslog|termios|time|unistd|wchar|wordexp|arpa/inet"
@@ -48,7 +49,9 @@ LAYERS = {
                                    (STANDARD, FMT, POSIX, LINUX)),
     "src/QuellonHost/MacOS": Layer(("QuellonCore/", "QuellonHost/"), (ANYTHING,)),
     "src/QuellonProbe": Layer(("QuellonProbe/",), (STANDARD, POSIX, LINUX)),
-    "src/QuellonUI": Layer(("QuellonCore/", "QuellonUI/"), (STANDARD, FMT, QT)),
+    # Views draw models: they know no engine, no rule and no budget, and format nothing.
+    "src/QuellonUI": Layer(("QuellonCore/Presentation/", "QuellonCore/Support/", "QuellonUI/"),
+                           (STANDARD, QT, XCB)),
     "src/QuellonTerminal": Layer(("QuellonCore/", "QuellonTerminal/"), (STANDARD, FMT, POSIX, CURSES)),
     "src/Quellon": Layer(("Quellon/", "QuellonCore/", "QuellonHost/", "QuellonTerminal/", "QuellonUI/"),
                          (STANDARD, FMT, POSIX, QT)),
