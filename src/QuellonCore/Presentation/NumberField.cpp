@@ -23,6 +23,7 @@ struct Limits {
 constexpr double mostGigabytes = 100'000.0;
 constexpr double mostMegabytes = mostGigabytes * 1024.0;
 constexpr std::string_view notANumber = "Enter a number.";
+constexpr std::string_view grouped = "Leave out the commas between thousands, or write a point before decimals.";
 constexpr std::string_view notAPlanSize = "Enter 0 to 100,000 GB.";
 constexpr std::string_view notADay = "Enter a day from 1 to 31.";
 
@@ -48,6 +49,21 @@ std::string_view takeDigits(std::string_view& rest)
     const std::string_view digits = rest.substr(0, count);
     rest.remove_prefix(count);
     return digits;
+}
+
+/// Whether the commas in a text can stand between thousands: "1,500" is a thousand and a half to one reader and one and
+/// a half to another, and must not be taken for either.
+bool mayBeGrouped(std::string_view typed)
+{
+    std::string_view rest = stripped(typed);
+    if (rest.starts_with('-') || rest.starts_with('+')) rest.remove_prefix(1);
+    const std::string_view first = takeDigits(rest);
+    if (first.empty() || first.size() > 3 || first.front() == '0' || !rest.starts_with(',')) return false;
+    while (rest.starts_with(',')) {
+        rest.remove_prefix(1);
+        if (takeDigits(rest).size() != 3) return false;
+    }
+    return rest.empty() || rest.starts_with('.');
 }
 
 /// The number that a text is; absent when it is none. Exact to the last bit for what the limits allow: such a number
@@ -79,6 +95,7 @@ std::optional<double> number(std::string_view typed, bool isWhole)
 NumberField::Reading NumberField::read(Kind kind, std::string_view typed)
 {
     const Limits allowed = limits(kind);
+    if (!allowed.isWhole && mayBeGrouped(typed)) return {std::nullopt, std::string{grouped}};
     auto value = number(typed, allowed.isWhole);
     if (!value) return {std::nullopt, std::string{allowed.notANumber}};
     if (kind == Kind::ruleLimit && !(*value > 0.0)) value = 0.0;

@@ -31,7 +31,8 @@ struct NumberField {
     };
 
     /// Reads what was typed into a field of this kind. White space around it, a sign, and a point or comma before the
-    /// decimals are allowed, and nothing else; what follows the sixth decimal is dropped.
+    /// decimals are allowed, and nothing else: a comma that could as well stand between thousands ("1,500") is refused.
+    /// What follows the sixth decimal is dropped.
     [[nodiscard]] static Reading read(Kind kind, std::string_view typed);
 
     /// A value as it stands in a field: at most three decimals and no zeros at their end. "0" for what is not finite.

@@ -22,6 +22,7 @@ TEST(NumberField, read)
     constexpr const char* plan = "Enter 0 to 100,000 GB.";
     constexpr const char* day = "Enter a day from 1 to 31.";
     constexpr const char* number = "Enter a number.";
+    constexpr const char* groups = "Leave out the commas between thousands, or write a point before decimals.";
     const Case cases[] = {
         {"least plan", Kind::planSize, "0", 0.0, ""},
         {"minus nothing", Kind::planSize, "-0", 0.0, ""},
@@ -49,6 +50,17 @@ TEST(NumberField, read)
         {"a point alone", Kind::planSize, ".", {}, number},
         {"two points", Kind::planSize, "1.000.000", {}, number},
         {"groups", Kind::planSize, "1 000", {}, number},
+        {"a comma that may stand between thousands", Kind::planSize, "100,000", {}, groups},
+        {"one between few thousands", Kind::ruleLimit, "1,500", {}, groups},
+        {"negative thousands", Kind::ruleLimit, "-1,500", {}, groups},
+        {"commas between millions", Kind::ruleLimit, "102,400,000", {}, groups},
+        {"thousands with decimals", Kind::carrierReading, " 1,500.5 ", {}, groups},
+        {"four digits behind a comma", Kind::planSize, "1,2345", 1.2345, ""},
+        {"two digits behind a comma", Kind::planSize, "12,34", 12.34, ""},
+        {"nothing before the thousandths", Kind::planSize, "0,125", 0.125, ""},
+        {"nothing at all before the thousandths", Kind::planSize, ",125", 0.125, ""},
+        {"too many digits before it for thousands", Kind::planSize, "1000,125", 1000.125, ""},
+        {"groups that are none", Kind::planSize, "1,50,000", {}, number},
         {"letters", Kind::planSize, "ten", {}, number},
         {"a unit", Kind::planSize, "10 GB", {}, number},
         {"an exponent", Kind::planSize, "1e3", {}, number},
@@ -62,6 +74,7 @@ TEST(NumberField, read)
         {"negative day", Kind::startDay, "-1", {}, day},
         {"part of a day", Kind::startDay, "1.5", {}, day},
         {"a whole day with decimals", Kind::startDay, "1.0", {}, day},
+        {"a thousandth day", Kind::startDay, "1,000", {}, day},
         {"a day in words", Kind::startDay, "first", {}, day},
         {"nothing used", Kind::carrierReading, "0", 0.0, ""},
         {"negative use", Kind::carrierReading, "-1", {}, plan},
