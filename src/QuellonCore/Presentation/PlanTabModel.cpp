@@ -75,6 +75,7 @@ PlanTabModel PlanTabModel::of(const GuardEngine& engine, const SettingsState& st
     const GuardSettings& settings = engine.settings();
     const PlanProfile& plan = settings.activeProfile();
     PlanTabModel model;
+    model.plan = plan.id;
     model.profile = profiles(settings);
     model.name = {"Profile name", "Rename this profile", plainText(plan.name)};
     model.add = {"Add profile…", "Add a plan profile", SettingsActions::AddProfile{}};

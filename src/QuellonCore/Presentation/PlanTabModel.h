@@ -35,8 +35,9 @@ struct PlanTabModel {
 
     static constexpr std::string_view cycleHeading = "This cycle";
 
+    UUID plan; ///< The active plan, which all but `profile` and `add` is about.
     FormChoice profile;
-    FormText name; ///< What is typed goes to `RenameProfile`.
+    FormText name; ///< What is typed goes to `RenameProfile`, with `plan`.
     FormButton add;
     std::optional<FormButton> remove;          ///< With two plans or more.
     std::optional<std::string> profilesFooter; ///< With two plans or more.

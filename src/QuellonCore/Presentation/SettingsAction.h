@@ -10,6 +10,7 @@
 #include "QuellonCore/Support/Time.h"
 #include "QuellonCore/Support/UUID.h"
 
+#include <optional>
 #include <string>
 #include <variant>
 
@@ -31,6 +32,7 @@ struct SelectProfile {
 };
 struct RenameProfile {
     std::string name;
+    std::optional<UUID> plan{}; ///< Whose name it is; absent: the active plan's.
     bool operator==(const RenameProfile&) const = default;
 };
 struct AddProfile {

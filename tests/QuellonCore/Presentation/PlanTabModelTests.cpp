@@ -86,6 +86,22 @@ TEST_F(PlanTab, twoPlans)
     EXPECT_EQ(world.settings().profiles.size(), 1U);
 }
 
+TEST_F(PlanTab, aNameReachesThePlanThatItWasTypedFor)
+{
+    const UUID first = world.settings().activeProfileID;
+    EXPECT_EQ(model().plan, first);
+    world.does(AddProfile{});
+    EXPECT_EQ(model().plan, world.settings().activeProfileID);
+    world.does(RenameProfile{"Home", first}); // while another plan has become the active one
+    EXPECT_EQ(world.settings().profiles[0].name, "Home");
+    EXPECT_EQ(world.settings().profiles[1].name, "New profile");
+    world.does(RenameProfile{"Travel"});
+    EXPECT_EQ(world.settings().profiles[1].name, "Travel") << "no plan is named: the active one";
+    const auto before = world.settings();
+    world.does(RenameProfile{"Gone", UUID{{9}}});
+    EXPECT_EQ(world.settings(), before);
+}
+
 TEST_F(PlanTab, numbers)
 {
     world.enters(Kind::planSize, "50");
