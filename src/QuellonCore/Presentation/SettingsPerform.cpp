@@ -35,7 +35,11 @@ public:
 
     bool operator()(const SelectTab& action)
     {
+        if (state_.tab == action.tab) return false;
         forgetDrafts(state_);
+        state_.showingPicker = false;
+        state_.query.clear();
+        state_.copied = false;
         state_.tab = action.tab;
         return false;
     }
@@ -47,7 +51,13 @@ public:
     }
     bool operator()(const RenameProfile& action)
     {
-        return edit([&](GuardSettings& settings) { settings.activeProfile().name = action.name; });
+        GuardSettings settings = engine_.settings();
+        const UUID id = action.plan.value_or(settings.activeProfile().id);
+        const auto plan = std::ranges::find(settings.profiles, id, &PlanProfile::id);
+        if (plan == settings.profiles.end()) return false;
+        plan->name = action.name;
+        engine_.setSettings(std::move(settings));
+        return false;
     }
     bool operator()(const AddProfile& /*action*/)
     {
@@ -225,9 +235,11 @@ public:
 
     bool operator()(const StartGuarding& /*action*/)
     {
-        commit({NumberField::Kind::planSize, {}});
-        commit({NumberField::Kind::startDay, {}});
-        if (!state_.drafts.empty()) return false;
+        for (const auto kind : {NumberField::Kind::planSize, NumberField::Kind::startDay}) {
+            const NumberField field{kind, {}};
+            commit(field);
+            if (state_.drafts.contains(field)) return false;
+        }
         rederive();
         edit([](GuardSettings& settings) { settings.onboarded = true; });
         return true;

@@ -17,7 +17,8 @@ namespace quellon {
 struct SettingsState {
     SettingsTab tab = SettingsTab::plan;
     UUID plan; ///< The plan that the next two are about.
-    /// What was typed into number fields and has not taken effect; what was refused stays until it is mended.
+    /// What was typed into number fields and has not taken effect. What was refused stays until it is mended or its
+    /// page is left.
     std::map<NumberField, std::string> drafts;
     /// What the user is asked about before the rules are derived anew; empty while nobody is asked.
     std::vector<RuleDerivation::PendingRuleChange> pendingRederive;

@@ -105,6 +105,14 @@ TEST_F(Onboarding, aRefusedNumberKeepsTheWindowOpen)
     }
 }
 
+TEST_F(Onboarding, whatWasTypedElsewhereDoesNotHoldItBack)
+{
+    world.types(Kind::carrierReading, "18.2");
+    world.types({Kind::ruleLimit, SettingsWorld::longRule}, "many");
+    EXPECT_TRUE(world.does(StartGuarding{}));
+    EXPECT_TRUE(world.settings().onboarded);
+}
+
 TEST_F(Onboarding, closingTheWindowLeavesItToBeDone)
 {
     world.types(Kind::planSize, "50");

@@ -55,6 +55,35 @@ TEST_F(SettingsWindowModel, tabs)
     }
 }
 
+TEST_F(SettingsWindowModel, whatStoodOnAPageIsForgottenWithIt)
+{
+    world.does(SelectTab{SettingsTab::apps});
+    world.does(OpenPicker{});
+    world.does(FilterPicker{"a"});
+    world.does(ShowCopied{true});
+    world.does(SelectTab{SettingsTab::apps});
+    EXPECT_TRUE(std::get<AppsTabModel>(model().page).picker) << "it is the same page";
+    EXPECT_EQ(world.state.query, "a");
+    world.does(SelectTab{SettingsTab::log}); // as a notification does
+    world.does(SelectTab{SettingsTab::apps});
+    EXPECT_EQ(std::get<AppsTabModel>(model().page).picker, std::nullopt);
+    EXPECT_EQ(world.state.query, "");
+    world.does(SelectTab{SettingsTab::about});
+    EXPECT_EQ(std::get<AboutModel>(model().page).copy.title, "Copy diagnostics");
+}
+
+TEST_F(SettingsWindowModel, whatIsTypedStaysWhenItsPageIsChosenAgain)
+{
+    world.types({NumberField::Kind::planSize, {}}, "many");
+    world.types({NumberField::Kind::carrierReading, {}}, "18.2");
+    world.does(SelectTab{SettingsTab::plan});
+    EXPECT_EQ(std::get<PlanTabModel>(model().page).planSize.text, "many");
+    world.does(SelectTab{SettingsTab::log});
+    world.does(SelectTab{SettingsTab::plan});
+    EXPECT_EQ(std::get<PlanTabModel>(model().page).planSize.text, "30");
+    EXPECT_EQ(world.state.drafts.at({NumberField::Kind::carrierReading, {}}), "18.2") << "the window's own";
+}
+
 TEST_F(SettingsWindowModel, detailSheet)
 {
     EXPECT_EQ(model().detail, std::nullopt);
