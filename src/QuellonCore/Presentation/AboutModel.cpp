@@ -15,7 +15,8 @@ AboutModel AboutModel::of(const GuardEngine& engine, const Build& build, bool co
     model.version = AboutInfo::displayVersion(build.shortVersion, build.build);
     model.links = {
         {{"Website", std::string{AboutInfo::website}}, {"Send feedback", AboutInfo::feedbackURL(model.version)}}};
-    model.copy = {copied ? "Copied ✓" : "Copy diagnostics", "Copy diagnostics", SettingsActions::ShowCopied{true}};
+    const std::string copyTitle = copied ? "Copied ✓" : "Copy diagnostics";
+    model.copy = {copyTitle, copyTitle, SettingsActions::ShowCopied{true}};
     model.diagnostics = AboutInfo::diagnostics(edition, model.version, systemName, build.systemVersion,
                                                engine.status().isMetered, engine.isRunning());
     model.note = fmt::format("Paste it into your email — it only contains the app version, {} version and whether the "

@@ -56,13 +56,15 @@ TEST(AboutModel, texts)
     EXPECT_EQ(shown.links[0], (AboutModel::Link{"Website", "https://quellon.example"}));
     EXPECT_EQ(shown.links[1].title, "Send feedback");
     EXPECT_EQ(shown.links[1].url, AboutInfo::feedbackURL("1.2.0 (7)"));
-    EXPECT_EQ(shown.copy.title, "Copy diagnostics");
+    EXPECT_EQ(shown.copy, (FormButton{"Copy diagnostics", "Copy diagnostics", SettingsActions::ShowCopied{true}}));
     EXPECT_EQ(shown.diagnostics, "Quellon Pro 1.2.0 (7)\nmacOS 14.5.0\nGuard: on\nNetwork: metered");
     EXPECT_EQ(shown.note, "Paste it into your email — it only contains the app version, macOS version and whether the "
                           "guard is on. No app names, no traffic data.");
 
     world.does(shown.copy.action);
-    EXPECT_EQ(AboutModel::of(world.engine, build, world.state.copied).copy.title, "Copied ✓");
+    const auto copied = AboutModel::of(world.engine, build, world.state.copied).copy;
+    EXPECT_EQ(copied.title, "Copied ✓");
+    EXPECT_EQ(copied.accessibilityLabel, "Copied ✓") << "who does not see it is told as well";
     world.does(SettingsActions::ShowCopied{false});
     EXPECT_EQ(AboutModel::of(world.engine, build, world.state.copied).copy.title, "Copy diagnostics");
 }
