@@ -15,7 +15,7 @@ constexpr Seconds hour{3'600.0};
 std::string subtitleText(const AppExplanation& explanation)
 {
     std::string text{AppExplanation::categories.label(explanation.category)};
-    if (explanation.vendor) text += " · " + plainText(*explanation.vendor);
+    if (explanation.vendor && !explanation.vendor->empty()) text += " · " + plainText(*explanation.vendor);
     return text;
 }
 
@@ -49,7 +49,8 @@ AppDetailModel::Identity identityModel(const AppExplanation& explanation)
     identity.whyTraffic = plainText(explanation.whyTraffic);
     identity.adviceTint = tint(explanation.limitAdvice);
     identity.advice = AppExplanation::limitAdvices.label(explanation.limitAdvice);
-    if (explanation.limitNote) identity.limitNote = plainText(*explanation.limitNote);
+    if (explanation.limitNote && !explanation.limitNote->empty())
+        identity.limitNote = plainText(*explanation.limitNote);
     identity.provenance = provenance(explanation);
     return identity;
 }
