@@ -32,10 +32,16 @@ OrderedJson object(const AppDetailModel::Identity& identity)
     return result;
 }
 
+OrderedJson object(const ExplainConsentRow& row)
+{
+    return {{"title", row.title}, {"text", row.text}, {"buttons", {object(row.allow), object(row.decline)}}};
+}
+
 OrderedJson object(const AppDetailModel::Unknown& unknown)
 {
     OrderedJson result = {{"text", unknown.text}};
     if (unknown.lookingUp) result["lookingUp"] = *unknown.lookingUp;
+    if (unknown.consent) result["consent"] = object(*unknown.consent);
     if (unknown.explain) result["explain"] = object(*unknown.explain);
     if (unknown.failure) result["failure"] = {{"text", *unknown.failure}, {"tint", tints.raw(Tint::orange)}};
     return result;
