@@ -139,10 +139,9 @@ void NoticeCard::showButtons()
 void NoticeCard::setTheme(const Theme& theme)
 {
     theme_ = theme;
-    card_->setTheme(theme);
     setColour(*title_, theme.text);
     setColour(*text_, theme.secondaryText);
-    place_->setColour(theme.secondaryText);
+    place_->setTint(Tint::secondary);
     dismiss_->setTheme(theme);
     for (FlatButton* const each : buttons_) each->setTheme(theme);
     colour();
@@ -151,7 +150,7 @@ void NoticeCard::setTheme(const Theme& theme)
 void NoticeCard::colour()
 {
     const bool urgent = notice_ && notice_->style == NotificationStyle::persistent;
-    dot_->setColour(urgent ? theme_.warning : theme_.faintText);
+    dot_->setTint(urgent ? Tint::orange : Tint::secondary);
 }
 
 } // namespace quellon

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "QuellonCore/Presentation/ControlsModel.h"
-#include "QuellonUI/Card.h"
+#include "QuellonUI/Kit/Card.h"
 #include "QuellonUI/FlatButton.h"
-#include "QuellonUI/StatusDot.h"
-#include "QuellonUI/TextLabel.h"
+#include "QuellonUI/Kit/StatusDot.h"
+#include "QuellonUI/Kit/TextLabel.h"
 
 #include <cstddef>
 #include <optional>

@@ -63,6 +63,12 @@ void setNotice(QLabel& label, const std::optional<std::string>& text)
     label.setVisible(text.has_value());
 }
 
+Tint toneTint(MenuPresentation::Tone tone)
+{
+    if (tone == MenuPresentation::Tone::off) return Tint::secondary;
+    return tone == MenuPresentation::Tone::standby ? Tint::orange : Tint::green;
+}
+
 void setColour(QWidget& widget, const QColor& colour)
 {
     QPalette changed = widget.palette();
@@ -201,7 +207,7 @@ void OverviewWindow::setControls(const ControlsModel& controls)
 
 void OverviewWindow::showTexts()
 {
-    dot_->setColour(Theme::of(QApplication::palette()).tone(model_.tone));
+    dot_->setTint(toneTint(model_.tone));
     title_->setText(toQString(model_.title));
     detail_->setText(toQString(model_.detail));
     interface_->setText(toQString(model_.interface));
@@ -219,20 +225,18 @@ void OverviewWindow::applyTheme()
 {
     const Theme& theme = Theme::of(QApplication::palette());
     setPalette(theme.palette());
-    counterCard_->setTheme(theme);
     for (NoticeCard* const card : {question_, note_}) card->setTheme(theme);
     paused_->setTheme(theme);
     usageDelegate_->setTheme(theme);
     activityDelegate_->setTheme(theme);
-    title_->setColour(theme.text);
-    interface_->setColour(theme.secondaryText);
-    counters_->setColour(theme.text);
-    for (TextLabel* const label : {detail_, windowHeading_}) label->setColour(theme.secondaryText);
-    for (TextLabel* const label : {usageHeading_, activityHeading_}) label->setColour(theme.faintText);
+    title_->setTint(Tint::primary);
+    interface_->setTint(Tint::secondary);
+    counters_->setTint(Tint::primary);
+    for (TextLabel* const label : {detail_, windowHeading_}) label->setTint(Tint::secondary);
+    for (TextLabel* const label : {usageHeading_, activityHeading_}) label->setTint(Tint::secondary);
     setColour(*warning_, theme.warning);
     setColour(*hint_, theme.secondaryText);
     setColour(*empty_, theme.secondaryText);
-    dot_->setColour(theme.tone(model_.tone));
 }
 
 bool OverviewWindow::event(QEvent* event)

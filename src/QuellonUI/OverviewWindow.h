@@ -1,12 +1,12 @@
 #pragma once
 
 #include "QuellonCore/Presentation/OverviewModel.h"
-#include "QuellonUI/Card.h"
+#include "QuellonUI/Kit/Card.h"
 #include "QuellonUI/NoticeCard.h"
 #include "QuellonUI/PausedList.h"
 #include "QuellonUI/RowDelegates.h"
-#include "QuellonUI/StatusDot.h"
-#include "QuellonUI/TextLabel.h"
+#include "QuellonUI/Kit/StatusDot.h"
+#include "QuellonUI/Kit/TextLabel.h"
 
 #include <QListView>
 #include <QWidget>

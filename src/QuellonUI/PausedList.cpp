@@ -70,12 +70,12 @@ void PausedList::setPaused(const std::vector<ControlsModel::Paused>& paused)
 
 void PausedList::setTheme(const Theme& theme)
 {
-    heading_->setColour(theme.faintText);
+    heading_->setTint(Tint::secondary);
     resumeAll_->setTheme(theme);
-    more_->setColour(theme.secondaryText);
+    more_->setTint(Tint::secondary);
     for (const Row& row : rows_) {
-        row.app->setColour(theme.text);
-        row.since->setColour(theme.secondaryText);
+        row.app->setTint(Tint::primary);
+        row.since->setTint(Tint::secondary);
         row.resume->setTheme(theme);
     }
 }

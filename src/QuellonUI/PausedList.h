@@ -2,7 +2,7 @@
 
 #include "QuellonCore/Presentation/ControlsModel.h"
 #include "QuellonUI/FlatButton.h"
-#include "QuellonUI/TextLabel.h"
+#include "QuellonUI/Kit/TextLabel.h"
 
 #include <cstddef>
 #include <string>

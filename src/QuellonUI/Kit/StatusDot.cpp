@@ -1,4 +1,6 @@
-#include "QuellonUI/StatusDot.h"
+#include "QuellonUI/Kit/StatusDot.h"
+
+#include "QuellonUI/Theme.h"
 
 #include <QPainter>
 
@@ -10,11 +12,16 @@ StatusDot::StatusDot(QWidget* parent) : QWidget(parent)
     setFixedSize(side, side);
 }
 
-void StatusDot::setColour(const QColor& colour)
+void StatusDot::setTint(Tint tint)
 {
-    if (colour == colour_) return;
-    colour_ = colour;
+    if (tint == tint_) return;
+    tint_ = tint;
     update();
+}
+
+QColor StatusDot::colour() const
+{
+    return Theme::of(palette()).tint(tint_);
 }
 
 void StatusDot::paintEvent(QPaintEvent* /*event*/)
@@ -24,11 +31,11 @@ void StatusDot::paintEvent(QPaintEvent* /*event*/)
     QPainter painter{this};
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    QColor faint = colour_;
+    QColor faint = colour();
     faint.setAlpha(haloAlpha);
     painter.setBrush(faint);
     painter.drawEllipse(rect());
-    painter.setBrush(colour_);
+    painter.setBrush(colour());
     painter.drawEllipse(QRectF{rect()}.adjusted(halo, halo, -halo, -halo));
 }
 

@@ -1,24 +1,27 @@
 #pragma once
 
+#include "QuellonCore/Presentation/Tint.h"
+
 #include <QColor>
 #include <QWidget>
 
 namespace quellon {
 
-/// A coloured dot with a halo. Says nothing by itself: the text beside it does.
+/// A coloured dot, 8 points wide, with a halo. Says nothing by itself: the text beside it does.
 class StatusDot final : public QWidget {
     Q_OBJECT
 public:
     explicit StatusDot(QWidget* parent = nullptr);
 
-    void setColour(const QColor& colour);
-    [[nodiscard]] const QColor& colour() const { return colour_; }
+    void setTint(Tint tint);
+    /// What the dot is drawn in now.
+    [[nodiscard]] QColor colour() const;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    QColor colour_;
+    Tint tint_ = Tint::secondary;
 };
 
 } // namespace quellon

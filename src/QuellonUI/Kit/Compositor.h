@@ -1,0 +1,9 @@
+#pragma once
+
+namespace quellon {
+
+/// Whether windows can be translucent: always, but on an X server on which nobody composes the windows. Asked anew at
+/// each call.
+[[nodiscard]] bool hasCompositor();
+
+} // namespace quellon
