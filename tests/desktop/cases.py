@@ -1,0 +1,96 @@
+"""What the tests on a desktop share: the desktop, settings, reports of failures, and the command line.
+
+    NAME_tests.py CLASS PROGRAM [PICTURES]
+
+runs the tests of one class with the program under test. Pictures of the display after failures go to the folder
+PICTURES. Exit status 77: some of them could not run here.
+"""
+
+import functools
+import json
+import os
+import sys
+import unittest
+
+from desktop import Desktop
+from waiting import wait_until
+
+TESTS = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+SKIPPED = 77
+
+program = ""
+pictures = ""
+
+
+def reporting(function):
+    """The function, with a report of the desktop when it fails."""
+    @functools.wraps(function)
+    def wrapper(self):
+        try:
+            function(self)
+        except unittest.SkipTest:
+            raise
+        except BaseException:
+            self.desktop.report(pictures, self.id().replace("__main__.", ""))
+            raise
+    return wrapper
+
+
+class DesktopCase(unittest.TestCase):
+    """Tests on one desktop; each begins without the program under test and with an empty state folder."""
+
+    with_bus = True
+    needs_traffic = False
+    maxDiff = None
+
+    def __init_subclass__(cls):
+        for name, value in list(vars(cls).items()):
+            if callable(value) and (name.startswith("test_") or name == "setUp"):
+                setattr(cls, name, reporting(value))
+
+    @classmethod
+    def setUpClass(cls):
+        if cls.needs_traffic and "LAB_INTERNET" not in os.environ:
+            raise unittest.SkipTest("no traffic without the lab")
+        cls.desktop = cls.enterClassContext(Desktop(program, cls.with_bus))
+        if cls.needs_traffic:
+            sys.path.insert(0, os.path.join(TESTS, "lab"))
+
+    def tearDown(self):
+        for name in [name for name in self.desktop.family.processes if name.startswith("quellon")]:
+            self.desktop.family.end(name)
+        for file in os.listdir(self.desktop.state):
+            os.remove(os.path.join(self.desktop.state, file))
+
+    @property
+    def screen(self):
+        return self.desktop.screen
+
+    def settings(self) -> dict:
+        """The settings as they are saved; empty before that."""
+        try:
+            with open(os.path.join(self.desktop.state, "settings.json"), encoding="utf-8") as file:
+                return json.load(file)
+        except FileNotFoundError:
+            return {}
+
+    def save_settings(self, **values):
+        """Settings of somebody who has seen the first-run window."""
+        with open(os.path.join(self.desktop.state, "settings.json"), "w", encoding="utf-8") as file:
+            json.dump({"onboarded": True} | values, file)
+
+    def wait_until(self, condition, what: str, seconds: float = 20.0):
+        return wait_until(condition, what, seconds)
+
+
+def main():
+    """Runs the class of tests that the command line names."""
+    global program, pictures
+    chosen, program, pictures = (sys.argv[1:] + [""])[:3]
+    result = unittest.main(module="__main__", argv=[sys.argv[0], chosen], exit=False, verbosity=2,
+                           warnings="ignore").result
+    for _, reason in result.skipped:
+        print(f"skipped: {reason}")
+    if not result.wasSuccessful() or result.testsRun + len(result.skipped) == 0:
+        sys.exit(1)
+    sys.exit(SKIPPED if result.skipped else 0)
