@@ -17,8 +17,8 @@ struct Notice {
     static constexpr Seconds transientTime{6.0};
     /// How many wait for the user at once; one more pushes the oldest out.
     static constexpr std::size_t mostWaiting = 3;
-    /// How long nothing can be answered once something has moved by itself: what the user presses in that moment was
-    /// meant for what stood there before.
+    /// How long something can't be answered once it has come to another's place: what the user presses in that moment
+    /// was meant for what stood there before, or is the second half of a double click.
     static constexpr Seconds holdTime{0.5};
 
     /// An answer.

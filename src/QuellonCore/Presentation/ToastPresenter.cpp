@@ -66,11 +66,11 @@ void ToastPresenter::show(const NotificationPlan& plan)
     toast.id = id;
     toast.plan = plan;
     if (plan.style == NotificationStyle::transient) {
-        toast.end = runLoop_.after(Notice::transientTime, [this, id] { expire(id); });
+        toast.end = runLoop_.after(Notice::transientTime, [this, id] { takeAway(id); });
     }
     toasts_.push_back(std::move(toast));
     if (toasts_.size() > Notice::mostWaiting)
-        expire(toasts_.front().id);
+        takeAway(toasts_.front().id);
     else
         tell();
 }
@@ -82,7 +82,7 @@ void ToastPresenter::press(std::uint64_t id, std::size_t button)
     const NotificationAction action = toast->plan.actions[button];
     const std::vector<std::string> apps = toast->plan.apps;
     if (onAction_) onAction_(action, apps);
-    close(id); // which the action may have done already
+    takeAway(id); // which the action may have done already
 }
 
 void ToastPresenter::close(std::uint64_t id)
@@ -112,7 +112,7 @@ ToastPresenter::Toasts::iterator ToastPresenter::find(std::uint64_t id)
     return std::find_if(toasts_.begin(), toasts_.end(), [id](const Toast& each) { return each.id == id; });
 }
 
-void ToastPresenter::expire(std::uint64_t id)
+void ToastPresenter::takeAway(std::uint64_t id)
 {
     const auto toast = find(id);
     if (toast == toasts_.end()) return;

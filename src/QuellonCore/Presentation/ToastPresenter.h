@@ -90,7 +90,8 @@ public:
     /// Nothing for a plan without a title. One that is too many pushes the oldest out, whatever its style.
     void show(const NotificationPlan& plan);
     /// Presses a button, 0 for the first: its action is told, then the toast is gone. Does nothing when there is no
-    /// such toast or button, or when the toast has moved within `Notice::holdTime` without the user's doing.
+    /// such toast or button, or when the toast has moved within `Notice::holdTime` other than by the closing of
+    /// another.
     void press(std::uint64_t id, std::size_t button);
     /// Closes a toast without an action.
     void close(std::uint64_t id);
@@ -110,8 +111,8 @@ private:
     using Toasts = std::list<Toast>;
 
     [[nodiscard]] Toasts::iterator find(std::uint64_t id);
-    /// Takes one away that the user did not close; those behind it move.
-    void expire(std::uint64_t id);
+    /// Takes one away that was not closed; those behind it move, and can't be pressed for a moment.
+    void takeAway(std::uint64_t id);
     void tell() const;
 
     RunLoop& runLoop_;

@@ -98,8 +98,28 @@ TEST_F(Toasts, aPressTellsTheActionAndEndsTheToast)
     EXPECT_THAT(told, ElementsAre("snooze A B")) << "there is no third button";
     presenter->press(99, 0);
     EXPECT_THAT(titles(), ElementsAre("two"));
+}
+
+TEST_F(Toasts, aDoubleClickAnswersOneToast)
+{
+    show({"one", "two", "three"});
+    presenter->press(id(1), 1);
+    presenter->press(id(1), 0);
+    EXPECT_THAT(told, ElementsAre("snooze A B")) << "the third has come to the place of the second";
+    EXPECT_THAT(titles(), ElementsAre("one", "three"));
+    presenter->press(id(0), 1);
+    EXPECT_THAT(told, ElementsAre("snooze A B", "snooze A B")) << "the first has not moved";
+    world.advance(Notice::holdTime);
     presenter->press(id(0), 0);
-    EXPECT_THAT(told, ElementsAre("snooze A B", "suspend A B")) << "the user's own doing holds nothing back";
+    EXPECT_THAT(told, ElementsAre("snooze A B", "snooze A B", "suspend A B"));
+}
+
+TEST_F(Toasts, afterAToastWasClosedTheOthersCanBePressedAtOnce)
+{
+    show({"one", "two"});
+    presenter->close(id(0));
+    presenter->press(id(0), 0);
+    EXPECT_THAT(told, ElementsAre("suspend A B")) << "the close button is not where the others are";
 }
 
 TEST_F(Toasts, theClosedOneHasNoAction)
