@@ -2,6 +2,8 @@
 
 #include "QuellonCore/Presentation/SettingsSymbols.h"
 
+#include <fmt/format.h>
+
 namespace quellon {
 
 LogTabModel LogTabModel::of(const GuardEngine& engine)
@@ -20,6 +22,11 @@ std::string_view LogTabModel::symbol(GuardEvent::Kind kind)
         break;
     }
     return SettingsSymbols::enforcedEvent;
+}
+
+std::string LogTabModel::line(const OverviewModel::LogLine& row)
+{
+    return fmt::format("{} {}: {}", row.time, guardEventKinds.label(row.kind), row.message);
 }
 
 } // namespace quellon

@@ -3,6 +3,7 @@
 #include "QuellonCore/Engine/GuardEngine.h"
 #include "QuellonCore/Presentation/OverviewModel.h"
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -18,6 +19,9 @@ struct LogTabModel {
 
     /// The symbol before a line of this kind.
     [[nodiscard]] static std::string_view symbol(GuardEvent::Kind kind);
+
+    /// A row in words alone, for a screen reader and for the clipboard: "10:00:00 warning: nettop timed out".
+    [[nodiscard]] static std::string line(const OverviewModel::LogLine& row);
 
     bool operator==(const LogTabModel&) const = default;
 };

@@ -125,6 +125,14 @@ TEST_F(SettingsWindowModel, log)
     EXPECT_EQ(shown, (LogTabModel{OverviewModel::of(fresh, world.host.now()).log}));
 }
 
+TEST_F(SettingsWindowModel, aLineOfTheLogInWords)
+{
+    EXPECT_EQ(LogTabModel::line({UUID{}, "10:00:01", GuardEvent::Kind::info, "Quellon started"}),
+              "10:00:01 info: Quellon started");
+    EXPECT_EQ(LogTabModel::line({UUID{}, "10:00:02", GuardEvent::Kind::warning, "超时: a"}), "10:00:02 warning: 超时: a");
+    EXPECT_EQ(LogTabModel::line({UUID{}, "", GuardEvent::Kind::enforced, ""}), " enforced: ");
+}
+
 TEST_F(SettingsWindowModel, symbolsOfTheLog)
 {
     EXPECT_EQ(LogTabModel::symbol(GuardEvent::Kind::info), "info.circle");
