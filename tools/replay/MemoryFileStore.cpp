@@ -32,10 +32,25 @@ bool MemoryFileStore::write(const Path& file, std::string_view content)
     if (isDirectory(path) || !isDirectory(path.parent_path())) return false;
     std::string& stored = files_[path];
     stored.clear();
+    return store(stored, content);
+}
+
+bool MemoryFileStore::append(const Path& file, std::string_view content)
+{
+    ++writes_;
+    const Path path = canonical(file.parent_path()) / file.filename();
+    const auto found = files_.find(path);
+    if (failsWrites_ || links_.contains(path) || found == files_.end()) return false;
+    return store(found->second, content);
+}
+
+bool MemoryFileStore::store(std::string& stored, std::string_view content)
+{
     const std::uint64_t used = usedBytes();
     const std::uint64_t room = !limit_ ? content.size() : *limit_ > used ? *limit_ - used : 0;
-    stored = content.substr(0, static_cast<std::size_t>(std::min<std::uint64_t>(room, content.size())));
-    return stored.size() == content.size();
+    const auto fits = static_cast<std::size_t>(std::min<std::uint64_t>(room, content.size()));
+    stored += content.substr(0, fits);
+    return fits == content.size();
 }
 
 bool MemoryFileStore::replace(const Path& from, const Path& to)

@@ -31,6 +31,7 @@ public:
     [[nodiscard]] std::optional<Path> applicationSupportDirectory() const override;
     [[nodiscard]] Path homeDirectory() const override { return "/home/user"; }
     [[nodiscard]] Path temporaryDirectory() const override { return "/tmp"; }
+    [[nodiscard]] bool append(const Path& file, std::string_view content) override;
 
     /// Puts a file there, with the folders above it, whatever faults are set.
     void set(const Path& file, std::string content);
@@ -79,6 +80,8 @@ private:
     bool failsCreateDirectories_ = false;
 
     bool makeDirectories(const Path& directory);
+    /// Adds what the disk has room for. False when that is not all.
+    bool store(std::string& stored, std::string_view content);
     [[nodiscard]] std::uint64_t usedBytes() const;
 };
 

@@ -45,6 +45,10 @@ public:
     [[nodiscard]] virtual std::filesystem::path homeDirectory() const = 0;
     /// The folder for files that need not last.
     [[nodiscard]] virtual std::filesystem::path temporaryDirectory() const = 0;
+
+    /// Adds to the end of a file that is there. False when there is none or it can't be written to, when any byte could
+    /// not be written, and for a symbolic link.
+    [[nodiscard]] virtual bool append(const std::filesystem::path& file, std::string_view content) = 0;
 };
 
 } // namespace quellon

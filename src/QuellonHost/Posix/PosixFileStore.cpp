@@ -107,6 +107,14 @@ bool PosixFileStore::write(const fs::path& file, std::string_view content)
     return descriptor.close(); // where the disk is far away, it tells only now that it is full
 }
 
+bool PosixFileStore::append(const fs::path& file, std::string_view content)
+{
+    constexpr int flags = O_WRONLY | O_APPEND | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW;
+    Descriptor descriptor{open(file.c_str(), flags)};
+    if (!descriptor || !makePrivate(descriptor.get()) || !writeAll(descriptor.get(), content)) return false;
+    return descriptor.close();
+}
+
 bool PosixFileStore::replace(const fs::path& from, const fs::path& to)
 {
     return std::rename(from.c_str(), to.c_str()) == 0;

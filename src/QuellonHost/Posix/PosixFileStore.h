@@ -29,6 +29,7 @@ public:
     [[nodiscard]] std::filesystem::path homeDirectory() const override { return home_; }
     /// `$TMPDIR` when that is an absolute path, otherwise "/tmp".
     [[nodiscard]] std::filesystem::path temporaryDirectory() const override { return temporary_; }
+    [[nodiscard]] bool append(const std::filesystem::path& file, std::string_view content) override;
 
 private:
     std::filesystem::path home_;

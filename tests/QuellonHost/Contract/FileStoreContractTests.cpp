@@ -98,6 +98,30 @@ TYPED_TEST(FileStoreContract, writeDoesNotFollowALinkInItsPlace)
     EXPECT_EQ(this->files.read(this->root / "folder/target"), "x");
 }
 
+TYPED_TEST(FileStoreContract, appendAddsToTheEnd)
+{
+    const std::string binary{"a\0\xFF\n", 4};
+    ASSERT_TRUE(this->files.write(this->root / "file", "first\n"));
+    EXPECT_TRUE(this->files.append(this->root / "file", binary));
+    EXPECT_TRUE(this->files.append(this->root / "file", ""));
+    EXPECT_TRUE(this->files.append(this->root / "file", "last"));
+    EXPECT_EQ(this->files.read(this->root / "file"), "first\n" + binary + "last");
+}
+
+TYPED_TEST(FileStoreContract, appendOnlyWhereAFileIs)
+{
+    ASSERT_TRUE(this->files.createDirectories(this->root / "folder"));
+    ASSERT_TRUE(this->files.write(this->root / "folder/target", "target"));
+    this->world.link(this->root / "link", this->root / "folder/target");
+    EXPECT_FALSE(this->files.append(this->root / "missing", "x"));
+    EXPECT_FALSE(this->files.append(this->root / "folder", "x"));
+    EXPECT_FALSE(this->files.append(this->root / "missing/file", "x"));
+    EXPECT_FALSE(this->files.append(this->root / "folder/target/below", "x"));
+    EXPECT_FALSE(this->files.append(this->root / "link", "x"));
+    EXPECT_EQ(this->files.read(this->root / "missing"), std::nullopt);
+    EXPECT_EQ(this->files.read(this->root / "folder/target"), "target");
+}
+
 TYPED_TEST(FileStoreContract, replaceMovesTheContentOver)
 {
     ASSERT_TRUE(this->files.write(this->root / "new", "new"));
