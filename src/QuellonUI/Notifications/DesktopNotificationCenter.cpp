@@ -4,6 +4,7 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
+#include <QIcon>
 #include <QMetaObject>
 #include <QStringList>
 #include <QVariantMap>
@@ -51,6 +52,13 @@ bool isReply(const QDBusMessage& message, const char* signature)
     return message.type() == QDBusMessage::ReplyMessage && message.signature() == QLatin1String{signature};
 }
 
+/// The program's icon, where it is installed: servers draw the name of another one as a broken picture.
+QString iconName()
+{
+    const QString name = text(DesktopNotification::desktopEntry);
+    return QIcon::hasThemeIcon(name) ? name : QString{};
+}
+
 QVariantList notifyArguments(const DesktopNotification& notification)
 {
     QStringList actions;
@@ -65,7 +73,7 @@ QVariantList notifyArguments(const DesktopNotification& notification)
     constexpr uint replacesNone = 0;
     return {QStringLiteral("Quellon"),
             replacesNone,
-            text(DesktopNotification::desktopEntry),
+            iconName(),
             text(notification.summary),
             text(notification.body),
             actions,
