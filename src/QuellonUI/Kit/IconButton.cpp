@@ -46,10 +46,8 @@ void IconButton::paintEvent(QPaintEvent* /*event*/)
     painter.setOpacity(opacity());
     drawHover(painter, QRectF{rect()}, radius);
     if (showsFocus()) drawFocus(painter, QRectF{rect()}, radius);
-    if (symbol_.empty()) return;
-    const QColor colour = Theme::of(palette()).tint(tint_);
-    painter.drawPixmap((width() - points_) / 2, (height() - points_) / 2,
-                       symbolPixmap(symbol_, points_, colour, devicePixelRatioF()));
+    drawSymbol(painter, {(width() - points_) / 2, (height() - points_) / 2}, symbol_, points_,
+               Theme::of(palette()).tint(tint_));
 }
 
 } // namespace quellon

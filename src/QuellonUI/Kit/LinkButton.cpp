@@ -69,8 +69,7 @@ void LinkButton::paintEvent(QPaintEvent* /*event*/)
     QRect area = rect().adjusted(sidePadding, 0, -sidePadding, 0);
     if (!symbol_.empty()) {
         const int side = symbolSide();
-        painter.drawPixmap(area.left(), (height() - side) / 2,
-                           symbolPixmap(symbol_, side, colour, devicePixelRatioF()));
+        drawSymbol(painter, {area.left(), (height() - side) / 2}, symbol_, side, colour);
         area.setLeft(area.left() + symbolRoom());
     }
     painter.setPen(colour);

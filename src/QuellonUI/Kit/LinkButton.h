@@ -11,10 +11,10 @@
 namespace quellon {
 
 /// Text to press, without a frame, in the accent colour unless told otherwise; a symbol may stand before it.
-class LinkButton final : public Pressable {
+class LinkButton : public Pressable {
     Q_OBJECT
 public:
-    /// From the left and right edge to the text. Layouts that align the text with others reach out by as much.
+    /// From the left and right edge to the text.
     static constexpr int sidePadding = 5;
 
     explicit LinkButton(const QFont& font, QWidget* parent = nullptr);

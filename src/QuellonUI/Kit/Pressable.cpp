@@ -68,7 +68,9 @@ bool Pressable::event(QEvent* event)
 {
     if (event->type() == QEvent::FocusIn) {
         const auto reason = static_cast<QFocusEvent*>(event)->reason();
-        fromKeyboard_ = reason != Qt::MouseFocusReason && reason != Qt::PopupFocusReason;
+        // What comes back from another window or a menu is as it was.
+        const bool returns = reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason;
+        if (!returns) fromKeyboard_ = reason != Qt::MouseFocusReason;
     }
     return QAbstractButton::event(event);
 }

@@ -86,6 +86,13 @@ QPixmap symbolPixmap(std::string_view name, int points, const QColor& colour, do
     return result;
 }
 
+void drawSymbol(QPainter& painter, const QPoint& at, std::string_view name, int points, const QColor& colour)
+{
+    if (name.empty()) return;
+    // The device may be a picture that is finer than the screen of the widget that is drawn.
+    painter.drawPixmap(at, symbolPixmap(name, points, colour, painter.deviceTransform().m11()));
+}
+
 QIcon symbolIcon(std::string_view name, Tint tint)
 {
     return name.empty() ? QIcon{} : QIcon{new SymbolEngine{name, tint}};
@@ -106,9 +113,8 @@ void SymbolLabel::setSymbol(std::string_view name, Tint tint)
 
 void SymbolLabel::paintEvent(QPaintEvent* /*event*/)
 {
-    if (name_.empty()) return;
     QPainter painter{this};
-    painter.drawPixmap(0, 0, symbolPixmap(name_, points_, Theme::of(palette()).tint(tint_), devicePixelRatioF()));
+    drawSymbol(painter, {0, 0}, name_, points_, Theme::of(palette()).tint(tint_));
 }
 
 } // namespace quellon

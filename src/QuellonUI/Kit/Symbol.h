@@ -10,11 +10,16 @@
 #include <string>
 #include <string_view>
 
+class QPainter;
+
 namespace quellon {
 
 /// The symbol of this name in one colour, `points` wide and high, at so many device pixels a point. Empty pixels when
 /// there is no such symbol. What was drawn lately is kept. Main thread only.
 [[nodiscard]] QPixmap symbolPixmap(std::string_view name, int points, const QColor& colour, double devicePixelRatio);
+
+/// Draws the symbol with its upper left corner at `at`, as sharp as the device is.
+void drawSymbol(QPainter& painter, const QPoint& at, std::string_view name, int points, const QColor& colour);
 
 /// The symbol as an icon for buttons and menus, sharp at every size and scale, in the colour that the tint has in the
 /// application's palette when it is drawn; fainter when disabled.

@@ -27,6 +27,13 @@ void TextLabel::setTint(Tint tint)
     update();
 }
 
+void TextLabel::setElastic(bool elastic)
+{
+    if (elastic == elastic_) return;
+    elastic_ = elastic;
+    updateGeometry();
+}
+
 QString TextLabel::shownText() const
 {
     return fontMetrics().elidedText(text(), Qt::ElideMiddle, contentsRect().width());
@@ -34,7 +41,7 @@ QString TextLabel::shownText() const
 
 QSize TextLabel::minimumSizeHint() const
 {
-    return {0, QLabel::minimumSizeHint().height()};
+    return {elastic_ ? 0 : QLabel::sizeHint().width(), QLabel::minimumSizeHint().height()};
 }
 
 void TextLabel::paintEvent(QPaintEvent* /*event*/)

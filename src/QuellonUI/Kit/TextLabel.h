@@ -17,6 +17,8 @@ public:
     /// Returns at once when this is what is shown.
     void setText(const QString& text);
     void setTint(Tint tint);
+    /// Whether it may be cut for want of room, which it may unless told otherwise.
+    void setElastic(bool elastic);
     [[nodiscard]] Tint tint() const { return tint_; }
     /// What is drawn: the text, or what of it fits.
     [[nodiscard]] QString shownText() const;
@@ -28,6 +30,7 @@ protected:
 
 private:
     Tint tint_ = Tint::primary;
+    bool elastic_ = true;
 };
 
 } // namespace quellon

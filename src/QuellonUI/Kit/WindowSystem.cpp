@@ -1,10 +1,11 @@
-#include "QuellonUI/Kit/Compositor.h"
+#include "QuellonUI/Kit/WindowSystem.h"
 
 #include <QGuiApplication>
 
 #ifdef QUELLON_XCB
 #include <xcb/xcb.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <string_view>
@@ -17,8 +18,9 @@ namespace quellon {
 bool hasCompositor()
 {
     auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (x11 == nullptr) return true;
-    xcb_connection_t* const connection = x11->connection();
+    // Offscreen there is such an interface, too, but nothing behind it.
+    xcb_connection_t* const connection = x11 != nullptr ? x11->connection() : nullptr;
+    if (connection == nullptr) return true;
     // Whoever composes the windows of the first screen owns this selection.
     constexpr std::string_view name = "_NET_WM_CM_S0";
     const auto atomCookie = xcb_intern_atom(connection, 1, static_cast<std::uint16_t>(name.size()), name.data());
@@ -39,5 +41,10 @@ bool hasCompositor()
 }
 
 #endif
+
+bool canPlaceWindows()
+{
+    return !QGuiApplication::platformName().startsWith(QLatin1String{"wayland"});
+}
 
 } // namespace quellon
