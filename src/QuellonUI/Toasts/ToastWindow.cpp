@@ -6,9 +6,10 @@
 
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QBitmap>
 #include <QEvent>
 #include <QGuiApplication>
-#include <QPainterPath>
+#include <QPainter>
 #include <QVBoxLayout>
 
 namespace quellon {
@@ -85,9 +86,14 @@ void ToastWindow::shape()
         clearMask();
         return;
     }
-    QPainterPath outline;
-    outline.addRoundedRect(rect(), ToastView::radius, ToastView::radius);
-    setMask(QRegion{outline.toFillPolygon().toPolygon()});
+    QBitmap outline{size()};
+    outline.clear();
+    QPainter painter{&outline};
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::color1);
+    painter.drawRoundedRect(rect(), ToastView::radius, ToastView::radius);
+    painter.end();
+    setMask(outline);
 }
 
 bool ToastWindow::event(QEvent* event)
