@@ -1,0 +1,96 @@
+#include "QuellonUI/Settings/Form/ChoiceBox.h"
+
+#include "QuellonUI/Theme.h"
+
+#include <QAbstractItemView>
+#include <QHelpEvent>
+#include <QSignalBlocker>
+#include <QStyleOptionComboBox>
+#include <QStylePainter>
+#include <QToolTip>
+#include <QWheelEvent>
+
+#include <algorithm>
+
+namespace quellon {
+
+namespace {
+
+QString elided(const QComboBox& box, const QStyleOptionComboBox& option)
+{
+    const QRect area = box.style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, &box);
+    return box.fontMetrics().elidedText(box.currentText(), Qt::ElideMiddle, area.width() - 2);
+}
+
+} // namespace
+
+ChoiceBox::ChoiceBox(QWidget* parent) : QComboBox(parent)
+{
+    setFont(Fonts::body());
+    setFocusPolicy(Qt::StrongFocus);
+    setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    view()->setTextElideMode(Qt::ElideMiddle);
+    connect(this, &QComboBox::activated, this, &ChoiceBox::choose);
+}
+
+void ChoiceBox::setModel(const FormChoice& model)
+{
+    const QSignalBlocker quiet{this};
+    if (model != model_) take(model);
+    // The box has moved by itself when the user chose, and what was chosen may not have come about.
+    const int selected = model_.selected ? static_cast<int>(*model_.selected) : -1;
+    if (currentIndex() != selected) setCurrentIndex(selected);
+}
+
+void ChoiceBox::take(const FormChoice& model)
+{
+    const auto title = [](const FormChoice::Option& option) { return option.title; };
+    const bool sameTitles = std::ranges::equal(model.options, model_.options, {}, title, title);
+    model_ = model;
+    setAccessibleName(toQString(model_.accessibilityLabel));
+    if (!sameTitles) fill();
+}
+
+void ChoiceBox::fill()
+{
+    clear();
+    for (const auto& option : model_.options) addItem(toQString(option.title));
+    updateGeometry();
+}
+
+void ChoiceBox::choose(int index)
+{
+    const auto place = static_cast<std::size_t>(index);
+    if (index < 0 || place >= model_.options.size() || place == model_.selected) return;
+    const SettingsAction action = model_.options[place].action;
+    Q_EMIT acted(action);
+}
+
+void ChoiceBox::paintEvent(QPaintEvent* /*event*/)
+{
+    QStylePainter painter{this};
+    painter.setPen(palette().color(QPalette::Text));
+    QStyleOptionComboBox option;
+    initStyleOption(&option);
+    painter.drawComplexControl(QStyle::CC_ComboBox, option);
+    option.currentText = elided(*this, option);
+    painter.drawControl(QStyle::CE_ComboBoxLabel, option);
+}
+
+void ChoiceBox::wheelEvent(QWheelEvent* event)
+{
+    event->ignore();
+}
+
+bool ChoiceBox::event(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip) return QComboBox::event(event);
+    QStyleOptionComboBox option;
+    initStyleOption(&option);
+    if (elided(*this, option) != currentText()) {
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), currentText().toHtmlEscaped(), this);
+    }
+    return true;
+}
+
+} // namespace quellon

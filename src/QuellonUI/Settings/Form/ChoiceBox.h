@@ -1,0 +1,34 @@
+#pragma once
+
+#include "QuellonCore/Presentation/FormControls.h"
+
+#include <QComboBox>
+
+namespace quellon {
+
+/// One of several, as a box that opens a list. The wheel scrolls what is around it and never changes it. Titles that
+/// are too long for it are elided in the middle.
+class ChoiceBox final : public QComboBox {
+    Q_OBJECT
+public:
+    explicit ChoiceBox(QWidget* parent = nullptr);
+
+    void setModel(const FormChoice& model);
+
+Q_SIGNALS:
+    void acted(const SettingsAction& action);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    bool event(QEvent* event) override;
+
+private:
+    FormChoice model_;
+
+    void take(const FormChoice& model);
+    void fill();
+    void choose(int index);
+};
+
+} // namespace quellon
