@@ -1,6 +1,7 @@
 #include "QuellonUI/Tray/EmbeddedTray.h"
 
 #include "QuellonUI/Theme.h"
+#include "QuellonUI/Tray/TrayText.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -39,8 +40,8 @@ bool SystemTray::isAvailable() const
 void SystemTray::setModel(const TrayModel& model)
 {
     setPicture(TrayPicture::of(model, true));
-    QString toolTip = toQString(model.accessibleText);
-    if (!model.toolTip.empty()) toolTip += QLatin1Char{'\n'} + toQString(model.toolTip);
+    QString toolTip = toolTipText(model.accessibleText);
+    if (!model.toolTip.empty()) toolTip += QLatin1Char{'\n'} + toolTipText(model.toolTip);
     if (toolTip != icon_.toolTip()) icon_.setToolTip(toolTip);
     setItems(model.items);
     icon_.show();

@@ -3,6 +3,7 @@
 #include "QuellonUI/Desktop/BusInterface.h"
 #include "QuellonUI/Theme.h"
 #include "QuellonUI/Tray/BusMenu.h"
+#include "QuellonUI/Tray/TrayText.h"
 
 #include <QDBusObjectPath>
 
@@ -36,15 +37,9 @@ const BusInterface& interface()
     return result;
 }
 
-/// Tool tips are written in a markup.
-QString marked(const std::string& text)
-{
-    return toQString(text).toHtmlEscaped();
-}
-
 ToolTip toolTip(const TrayModel& model)
 {
-    return {{}, {}, marked(model.accessibleText), marked(model.toolTip)};
+    return {{}, {}, toolTipText(model.accessibleText), toolTipText(model.toolTip)};
 }
 
 QString status(const TrayModel& model)
