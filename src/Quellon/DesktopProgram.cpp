@@ -1,12 +1,15 @@
 #include "Quellon/DesktopProgram.h"
 
 #include "Quellon/AppDelegate.h"
+#include "Quellon/Desktop.h"
 #include "Quellon/QtRunLoop.h"
 #include "Quellon/QuellonApp.h"
-#include "QuellonCore/Presentation/Controls.h"
-#include "QuellonUI/OverviewWindow.h"
+#include "QuellonUI/Desktop/ColourScheme.h"
+#include "QuellonUI/Desktop/SingleInstance.h"
+#include "QuellonUI/Kit/Appearance.h"
 
 #include <QApplication>
+#include <QIcon>
 
 #include <array>
 #include <cstdio>
@@ -20,6 +23,8 @@ namespace quellon::DesktopProgram {
 
 namespace {
 
+constexpr const char* platformVariable = "QT_QPA_PLATFORM";
+
 /// For the message handler, which is given nothing.
 char** startArguments = nullptr;
 
@@ -28,6 +33,25 @@ bool isSet(const char* name)
     const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): before any other thread
     return value != nullptr && *value != '\0';
 }
+
+/// On Wayland a program can't say where its panel and its toasts stand; by way of its X server it can. Only for this
+/// process: programs that are started from here choose for themselves.
+class PlatformChoice {
+public:
+    PlatformChoice()
+    {
+        if (isSet(platformVariable) || !isSet("WAYLAND_DISPLAY") || !isSet("DISPLAY")) return;
+        isOurs_ = true;
+        setenv(platformVariable, "xcb;wayland", 1); // NOLINT(concurrency-mt-unsafe): before any other thread
+    }
+    void made() const
+    {
+        if (isOurs_) unsetenv(platformVariable); // NOLINT(concurrency-mt-unsafe): nobody else reads it
+    }
+
+private:
+    bool isOurs_ = false;
+};
 
 /// Begins anew without the display.
 [[noreturn]] void beginWithoutDisplay()
@@ -48,37 +72,6 @@ void whileConnecting(QtMsgType type, const QMessageLogContext& /*context*/, cons
     if (type == QtFatalMsg) beginWithoutDisplay();
 }
 
-/// The engine in a window, which is where the user is told and asked.
-class DesktopView {
-public:
-    DesktopView(GuardEngine& engine, NotificationFeed& feed)
-        : engine_(engine), controls_(engine, feed, [this] { refresh(); }), observation_(engine, [this] { refresh(); })
-    {
-        QObject::connect(&window_, &OverviewWindow::commanded, &window_,
-                         [this](ControlCommand command) { controls_.perform(command); });
-        QObject::connect(&window_, &OverviewWindow::answered, &window_,
-                         [this](std::size_t button) { controls_.answer(button); });
-        QObject::connect(&window_, &OverviewWindow::resumed, &window_,
-                         [this](const std::string& id) { controls_.resume(id); });
-        refresh();
-    }
-
-    void show() { window_.show(); }
-
-private:
-    GuardEngine& engine_;
-    OverviewWindow window_;
-    Controls controls_;
-    GuardEngine::Observation observation_;
-
-    void refresh()
-    {
-        const Date now = engine_.host().clock.now();
-        window_.setModel(OverviewModel::of(engine_, now));
-        window_.setControls(controls_.model(now));
-    }
-};
-
 } // namespace
 
 bool isAvailable()
@@ -88,6 +81,7 @@ bool isAvailable()
 
 int run(char** arguments, const ProgramOptions& options)
 {
+    const PlatformChoice platform;
     // The toolkit takes options of its own out of the list that it is given.
     std::array<char*, 2> ownName{arguments[0], nullptr};
     int ownCount = 1;
@@ -95,12 +89,22 @@ int run(char** arguments, const ProgramOptions& options)
     const auto usualHandler = qInstallMessageHandler(whileConnecting);
     QApplication application{ownCount, ownName.data()};
     qInstallMessageHandler(usualHandler);
+    platform.made();
     QApplication::setApplicationDisplayName(QStringLiteral("Quellon"));
     QApplication::setDesktopFileName(QStringLiteral("org.quellon.Quellon"));
+    QApplication::setWindowIcon(QIcon{QStringLiteral(":/icons/quellon.svg")});
+    // There need not be a window: the guard goes on in the tray.
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    const SingleInstance instance;
+    if (instance.isAlreadyRunning()) return ExitStatus::success;
+    const ColourScheme colours;
+    Appearance::apply(colours.isDark());
+    QObject::connect(&colours, &ColourScheme::changed, &application, &Appearance::apply);
 
     QuellonApp app{options};
-    DesktopView view{app.engine(), app.notifications()};
-    view.show();
+    Desktop desktop{app.engine(), app.notifications(), app.build(), [] { QApplication::quit(); }};
+    QObject::connect(&instance, &SingleInstance::activated, &application, [&desktop] { desktop.showPanel(); });
     RunLoop::Handle end;
     if (options.duration) end = app.runLoop().after(*options.duration, [] { QApplication::quit(); });
     const QtRunLoop embedded{app.runLoop()};

@@ -92,6 +92,11 @@ int QuellonApp::runPlain(const ProgramOptions& options)
     return status;
 }
 
+AboutModel::Build QuellonApp::build()
+{
+    return {.shortVersion = QUELLON_VERSION, .build = std::nullopt, .systemVersion = SystemHost::systemVersion()};
+}
+
 void QuellonApp::run(const ProgramOptions& options)
 {
     RunLoop::Handle end;

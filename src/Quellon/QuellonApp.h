@@ -3,6 +3,7 @@
 #include "Quellon/ProgramOptions.h"
 #include "QuellonCore/Engine/GuardEngine.h"
 #include "QuellonCore/Notifications/NotificationFeed.h"
+#include "QuellonCore/Presentation/AboutModel.h"
 #include "QuellonCore/Support/Fatal.h"
 #include "QuellonHost/SystemHost.h"
 
@@ -23,6 +24,9 @@ public:
     [[nodiscard]] int runTerminal(const ProgramOptions& options);
     /// Prints lines until the end and gives the exit status.
     [[nodiscard]] int runPlain(const ProgramOptions& options);
+
+    /// Which program runs where.
+    [[nodiscard]] static AboutModel::Build build();
 
     [[nodiscard]] PosixRunLoop& runLoop() { return host_.runLoop(); }
     [[nodiscard]] GuardEngine& engine() { return engine_; }

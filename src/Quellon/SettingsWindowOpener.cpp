@@ -1,0 +1,87 @@
+#include "Quellon/SettingsWindowOpener.h"
+
+#include "QuellonCore/Presentation/SettingsModel.h"
+
+#include <QDesktopServices>
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <algorithm>
+#include <utility>
+
+namespace quellon {
+
+SettingsWindowOpener::SettingsWindowOpener(GuardEngine& engine, AboutModel::Build build,
+                                           std::function<void()> dismissPanel)
+    : engine_(engine),
+      persistence_(engine.host()),
+      build_(std::move(build)),
+      dismissPanel_(std::move(dismissPanel)),
+      places_(persistence_.load<WindowPlaces>(Persistence::windowsFile).value_or(WindowPlaces{}))
+{
+}
+
+void SettingsWindowOpener::open(std::optional<SettingsTab> selecting)
+{
+    if (selecting) state_.tab = *selecting;
+    dismissPanel_();
+    if (!window_) build();
+    if (window_->isMinimized()) window_->showNormal();
+    window_->show();
+    refresh();
+    window_->raise();
+    window_->activateWindow();
+}
+
+void SettingsWindowOpener::build()
+{
+    window_ = std::make_unique<SettingsWindow>();
+    QObject::connect(window_.get(), &SettingsWindow::acted, window_.get(),
+                     [this](const SettingsAction& action) { act(action); });
+    QObject::connect(window_.get(), &SettingsWindow::openURL, window_.get(),
+                     [](const QUrl& url) { QDesktopServices::openUrl(url); });
+    QObject::connect(window_.get(), &SettingsWindow::moved, window_.get(),
+                     [this] { rest_ = engine_.host().runLoop.after(restTime, [this] { keepPlace(); }); });
+    window_->setModel(SettingsModel::of(engine_, state_, build_, engine_.host().clock.now()));
+    place();
+}
+
+void SettingsWindowOpener::place()
+{
+    window_->adjustSize();
+    if (places_.settings) {
+        for (const QScreen* const screen : QGuiApplication::screens()) {
+            const QRect free = screen->availableGeometry();
+            if (!WindowPlaces::isWithin(*places_.settings, {free.x(), free.y(), free.width(), free.height()})) continue;
+            window_->move(places_.settings->x, places_.settings->y);
+            return;
+        }
+    }
+    const QRect free = QGuiApplication::primaryScreen()->availableGeometry();
+    window_->move(free.center() - window_->rect().center());
+}
+
+void SettingsWindowOpener::keepPlace()
+{
+    rest_.reset();
+    const QPoint corner = window_->pos();
+    const WindowPlaces::Place place{corner.x(), corner.y()};
+    if (places_.settings == place) return;
+    places_.settings = place;
+    persistence_.save(places_, Persistence::windowsFile);
+}
+
+void SettingsWindowOpener::refresh()
+{
+    if (!isVisible()) return;
+    settle(engine_, state_);
+    window_->setModel(SettingsModel::of(engine_, state_, build_, engine_.host().clock.now()));
+}
+
+void SettingsWindowOpener::act(const SettingsAction& action)
+{
+    static_cast<void>(perform(action, engine_, state_));
+    refresh();
+}
+
+} // namespace quellon
