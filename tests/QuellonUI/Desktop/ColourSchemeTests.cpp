@@ -8,6 +8,7 @@
 #include <QPalette>
 
 #include <memory>
+#include <vector>
 
 namespace quellon {
 namespace {
@@ -25,7 +26,7 @@ protected:
     FakePortal portal{bus};
     BusClient program{bus};
     std::unique_ptr<ColourScheme> scheme;
-    QList<bool> told;
+    std::vector<bool> told;
 
     void SetUp() override
     {
@@ -41,7 +42,8 @@ protected:
     {
         told.clear();
         scheme = std::make_unique<ColourScheme>(program.bus());
-        QObject::connect(scheme.get(), &ColourScheme::changed, scheme.get(), [this](bool dark) { told.append(dark); });
+        QObject::connect(scheme.get(), &ColourScheme::changed, scheme.get(),
+                         [this](bool dark) { told.push_back(dark); });
     }
     /// Until the portal's answer has been taken.
     void settle()
@@ -85,7 +87,7 @@ TEST_F(ColourSchemeTest, whatThePortalSays)
         settle();
         EXPECT_EQ(scheme->preference(), c.preference);
         EXPECT_EQ(scheme->isDark(), c.isDark);
-        EXPECT_EQ(told, c.isDark == c.isPaletteDark ? QList<bool>{} : QList<bool>{c.isDark});
+        EXPECT_EQ(told, c.isDark == c.isPaletteDark ? std::vector<bool>{} : std::vector<bool>{c.isDark});
     }
 }
 
@@ -98,12 +100,12 @@ TEST_F(ColourSchemeTest, changes)
         portal.change(dark ? uint{1} : uint{2});
         EXPECT_TRUE(until([&] { return scheme->isDark() == dark; }));
     }
-    EXPECT_EQ(told, (QList<bool>{true, false, true}));
+    EXPECT_EQ(told, (std::vector<bool>{true, false, true}));
     portal.change(uint{1});
     portal.change(uint{2}, "accent-color");
     portal.change(uint{0});
     EXPECT_TRUE(until([&] { return !scheme->isDark(); })) << "as the palette was";
-    EXPECT_EQ(told, (QList<bool>{true, false, true, false}));
+    EXPECT_EQ(told, (std::vector<bool>{true, false, true, false}));
 }
 
 TEST_F(ColourSchemeTest, thePaletteThatCounts)

@@ -7,6 +7,8 @@
 
 #include <QXmlStreamReader>
 
+#include <vector>
+
 namespace quellon {
 namespace {
 
@@ -25,15 +27,16 @@ const QString interface = QStringLiteral("com.canonical.dbusmenu");
 class MenuListener final : public QObject {
     Q_OBJECT
 public:
-    QList<int> changed;  ///< The ids of the entries.
-    QList<uint> layouts; ///< The revisions.
+    std::vector<int> changed;  ///< The ids of the entries.
+    std::vector<uint> layouts; ///< The revisions.
 
 public Q_SLOTS:
     void hear(const QDBusMessage& message)
     {
-        if (message.member() == QLatin1String{"LayoutUpdated"}) layouts.append(message.arguments().at(0).toUInt());
+        if (message.member() == QLatin1String{"LayoutUpdated"}) layouts.push_back(message.arguments().at(0).toUInt());
         if (message.member() != QLatin1String{"ItemsPropertiesUpdated"}) return;
-        for (const auto& each : qdbus_cast<QList<MenuProperties>>(message.arguments().at(0))) changed.append(each.id);
+        for (const auto& each : qdbus_cast<QList<MenuProperties>>(message.arguments().at(0)))
+            changed.push_back(each.id);
     }
 };
 
@@ -44,14 +47,14 @@ protected:
     BusClient program{bus};
     BusMenu menu{program.bus()};
     MenuListener listener;
-    QList<TrayCommand> commands;
+    std::vector<TrayCommand> commands;
 
     void SetUp() override
     {
         ASSERT_TRUE(bus.isRunning());
         ASSERT_TRUE(host.bus().connect(program.bus().baseService(), BusMenu::path, interface, QString{}, &listener,
                                        SLOT(hear(QDBusMessage))));
-        QObject::connect(&menu, &BusMenu::chosen, &menu, [this](TrayCommand each) { commands.append(each); });
+        QObject::connect(&menu, &BusMenu::chosen, &menu, [this](TrayCommand each) { commands.push_back(each); });
         menu.setItems(guardingModel().items);
         settle();
     }
@@ -61,10 +64,7 @@ protected:
     }
     QString error(const char* method, const QVariantList& arguments) { return call(method, arguments).errorName(); }
     /// Until what was told has been heard, and what was clicked has been carried out.
-    void settle()
-    {
-        call("Ping", {}, QStringLiteral("org.freedesktop.DBus.Peer"));
-    }
+    void settle() { call("Ping", {}, QStringLiteral("org.freedesktop.DBus.Peer")); }
     MenuNode layout(int parent = 0, int depth = -1, const QStringList& names = {})
     {
         return qdbus_cast<MenuNode>(call("GetLayout", {parent, depth, names}).arguments().value(1));
@@ -158,8 +158,8 @@ TEST_F(BusMenuTest, clicks)
         EXPECT_EQ(error("Event", {id, QStringLiteral("clicked"), click(), uint{0}}), QString{});
     }
     settle();
-    EXPECT_EQ(commands, (QList<TrayCommand>{TrayCommand::open, TrayCommand::startOrStop, TrayCommand::settings,
-                                            TrayCommand::quit}));
+    EXPECT_EQ(commands, (std::vector<TrayCommand>{TrayCommand::open, TrayCommand::startOrStop, TrayCommand::settings,
+                                                  TrayCommand::quit}));
 }
 
 TEST_F(BusMenuTest, whatCannotBeChosen)
@@ -171,11 +171,11 @@ TEST_F(BusMenuTest, whatCannotBeChosen)
     EXPECT_EQ(error("Event", {0, QStringLiteral("opened"), click(), uint{0}}), QString{});
     EXPECT_NE(error("Event", {99, QStringLiteral("clicked"), click(), uint{0}}), QString{});
     settle();
-    EXPECT_EQ(commands, QList<TrayCommand>{});
+    EXPECT_EQ(commands, std::vector<TrayCommand>{});
     menu.setItems(pausedModel().items);
     call("Event", {5, QStringLiteral("clicked"), click(), uint{0}});
     settle();
-    EXPECT_EQ(commands, QList<TrayCommand>{TrayCommand::resumeAll}) << "now there is something paused";
+    EXPECT_EQ(commands, std::vector<TrayCommand>{TrayCommand::resumeAll}) << "now there is something paused";
 }
 
 TEST_F(BusMenuTest, clicksInGroups)
@@ -185,24 +185,24 @@ TEST_F(BusMenuTest, clicksInGroups)
     EXPECT_EQ(group({}).type(), QDBusMessage::ReplyMessage);
     EXPECT_EQ(group({event(98), event(99)}).type(), QDBusMessage::ErrorMessage) << "none is known";
     settle();
-    EXPECT_EQ(commands, QList<TrayCommand>{TrayCommand::startOrStop});
+    EXPECT_EQ(commands, std::vector<TrayCommand>{TrayCommand::startOrStop});
 }
 
 TEST_F(BusMenuTest, onlyWhatChangedIsTold)
 {
     menu.setItems(guardingModel().items);
     settle();
-    EXPECT_EQ(listener.changed, QList<int>{});
+    EXPECT_EQ(listener.changed, std::vector<int>{});
     menu.setItems(pausedModel().items);
     settle();
-    EXPECT_EQ(listener.changed, (QList<int>{3, 5}));
+    EXPECT_EQ(listener.changed, (std::vector<int>{3, 5}));
     const auto before = listener.layouts;
     auto items = pausedModel().items;
     items.pop_back();
     menu.setItems(items);
     settle();
     EXPECT_EQ(listener.layouts.size(), before.size() + 1);
-    EXPECT_EQ(call("GetLayout", {0, -1, QStringList{}}).arguments().value(0).toUInt(), listener.layouts.constLast());
+    EXPECT_EQ(call("GetLayout", {0, -1, QStringList{}}).arguments().value(0).toUInt(), listener.layouts.back());
     EXPECT_EQ(layout().children.size(), 7);
 }
 

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <string_view>
+#include <vector>
 
 namespace quellon {
 namespace {
@@ -220,13 +221,13 @@ TEST_F(TrayItemTest, clicksOnTheItemOfTheWindowSystem)
     make();
     ASSERT_TRUE(becomes(Availability::embedded));
     QList<QPoint> clicks;
-    QList<TrayCommand> commands;
+    std::vector<TrayCommand> commands;
     QObject::connect(item.get(), &TrayItem::activated, item.get(), [&](QPoint at) { clicks.append(at); });
-    QObject::connect(item.get(), &TrayItem::chosen, item.get(), [&](TrayCommand each) { commands.append(each); });
+    QObject::connect(item.get(), &TrayItem::chosen, item.get(), [&](TrayCommand each) { commands.push_back(each); });
     Q_EMIT embedded.now->activated({1109, 774});
     Q_EMIT embedded.now->chosen(TrayCommand::settings);
     EXPECT_EQ(clicks, QList<QPoint>{QPoint(1109, 774)}) << "the window system knows where it is";
-    EXPECT_EQ(commands, QList<TrayCommand>{TrayCommand::settings});
+    EXPECT_EQ(commands, std::vector<TrayCommand>{TrayCommand::settings});
 }
 
 TEST_F(TrayItemTest, clicksAtAHost)
@@ -234,17 +235,17 @@ TEST_F(TrayItemTest, clicksAtAHost)
     watcher.appear();
     make();
     ASSERT_TRUE(becomes(Availability::host));
-    QList<TrayCommand> commands;
+    std::vector<TrayCommand> commands;
     int clicks = 0;
     QObject::connect(item.get(), &TrayItem::activated, item.get(), [&] { ++clicks; });
-    QObject::connect(item.get(), &TrayItem::chosen, item.get(), [&](TrayCommand each) { commands.append(each); });
+    QObject::connect(item.get(), &TrayItem::chosen, item.get(), [&](TrayCommand each) { commands.push_back(each); });
     const QString service = program.bus().baseService();
     watcher.client().call(service, StatusNotifierItem::path, QStringLiteral("org.kde.StatusNotifierItem"),
                           QStringLiteral("Activate"), {1201, 14});
     EXPECT_TRUE(until([&] { return clicks == 1; }));
     watcher.client().call(service, BusMenu::path, QStringLiteral("com.canonical.dbusmenu"), QStringLiteral("Event"),
                           {8, QStringLiteral("clicked"), QVariant::fromValue(QDBusVariant{0}), uint{0}});
-    EXPECT_TRUE(until([&] { return commands == QList<TrayCommand>{TrayCommand::quit}; }));
+    EXPECT_TRUE(until([&] { return commands == std::vector<TrayCommand>{TrayCommand::quit}; }));
 }
 
 TEST(TrayHost, whichProgramsShowLabels)

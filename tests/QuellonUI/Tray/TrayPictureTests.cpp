@@ -19,7 +19,7 @@ double contrast(const QColor& one, const QColor& other)
         };
         return 0.2126 * part(colour.redF()) + 0.7152 * part(colour.greenF()) + 0.0722 * part(colour.blueF());
     };
-    const auto [darker, brighter] = std::minmax(light(one), light(other));
+    const auto [darker, brighter] = std::minmax({light(one), light(other)});
     return (brighter + 0.05) / (darker + 0.05);
 }
 
