@@ -52,6 +52,8 @@ LAYERS = {
     # Views draw models: they know no engine, no rule and no budget, and format nothing.
     "src/QuellonUI": Layer(("QuellonCore/Presentation/", "QuellonCore/Support/", "QuellonUI/"),
                            (STANDARD, QT, XCB)),
+    # Not a view, but the desktop's notification service.
+    "src/QuellonUI/Notifications": Layer(("QuellonCore/Notifications/", "QuellonUI/Notifications/"), (STANDARD, QT)),
     "src/QuellonTerminal": Layer(("QuellonCore/", "QuellonTerminal/"), (STANDARD, FMT, POSIX, CURSES)),
     "src/Quellon": Layer(("Quellon/", "QuellonCore/", "QuellonHost/", "QuellonTerminal/", "QuellonUI/"),
                          (STANDARD, FMT, POSIX, QT)),

@@ -14,7 +14,7 @@ import sys
 
 FOLDER = "src/QuellonUI"
 # Talk with the desktop over D-Bus in names that are capitalised words.
-PROTOCOL_FOLDERS = (f"{FOLDER}/Tray", f"{FOLDER}/Desktop")
+PROTOCOL_FOLDERS = (f"{FOLDER}/Tray", f"{FOLDER}/Desktop", f"{FOLDER}/Notifications")
 # Names of fonts.
 KNOWN = {"Noto Sans CJK SC", "Noto Color Emoji", "Fusion"}
 

@@ -11,6 +11,9 @@ namespace quellon {
 
 /// What a server of the freedesktop.org notification service tells about itself.
 struct NotificationServer {
+    /// Why nothing is known of one that is there.
+    static constexpr std::string_view noAnswer = "the notification server does not answer";
+
     std::string name; ///< Empty when it didn't say.
     std::vector<std::string> capabilities;
     bool inhibited = false; ///< The user has told it not to disturb.

@@ -71,14 +71,8 @@ QVariantList notifyArguments(const DesktopNotification& notification)
     if (!notification.soundName.empty()) hints[QStringLiteral("sound-name")] = text(notification.soundName);
     if (notification.suppressSound) hints[QStringLiteral("suppress-sound")] = true;
     constexpr uint replacesNone = 0;
-    return {QStringLiteral("Quellon"),
-            replacesNone,
-            iconName(),
-            text(notification.summary),
-            text(notification.body),
-            actions,
-            hints,
-            notification.expireTimeout};
+    return {QStringLiteral("Quellon"), replacesNone, iconName(), text(notification.summary),
+            text(notification.body),   actions,      hints,      notification.expireTimeout};
 }
 
 } // namespace
@@ -101,9 +95,9 @@ DesktopNotificationCenter::~DesktopNotificationCenter() = default;
 void DesktopNotificationCenter::listen(const char* from, const char* interface, const char* signal, const char* slot,
                                        const QStringList& arguments)
 {
-    const bool done = bus_.connect(QString{}, QLatin1String{from}, QLatin1String{interface}, QLatin1String{signal},
-                                   arguments, QString{}, this, slot);
-    if (!done) qWarning("Quellon: can't listen to %s of the message bus", signal);
+    [[maybe_unused]] const bool done = bus_.connect(QString{}, QLatin1String{from}, QLatin1String{interface},
+                                                    QLatin1String{signal}, arguments, QString{}, this, slot);
+    Q_ASSERT(done);
 }
 
 void DesktopNotificationCenter::call(const QDBusMessage& message, std::chrono::milliseconds limit, Reply reply)
@@ -127,7 +121,7 @@ void DesktopNotificationCenter::requestAuthorization(std::function<void(const Au
     readSettings([answer = std::move(answer)](const NotificationSettings& settings) {
         Authorization authorization{.granted = settings.isAuthorized(), .error = {}};
         if (settings.authorization == NotificationAuthorization::notDetermined)
-            authorization.error = "the notification server does not answer";
+            authorization.error = NotificationServer::noAnswer;
         answer(authorization);
     });
 }

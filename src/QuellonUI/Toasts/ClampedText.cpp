@@ -41,7 +41,7 @@ void ClampedText::changeEvent(QEvent* event)
 void ClampedText::arrange()
 {
     const QChar separator{QChar::LineSeparator};
-    const QString ellipsis = QStringLiteral("…");
+    const QChar ellipsis{0x2026};
     QString rest = text();
     rest.replace(QLatin1Char{'\n'}, separator);
     QTextLayout layout{rest, font(), this};
@@ -57,9 +57,11 @@ void ClampedText::arrange()
         QString shown = rest.mid(line.textStart(), line.textLength());
         cut = static_cast<int>(lines.size()) + 1 == mostLines_ && end < rest.size();
         // The ellipsis comes of what follows, or else where a line ends that others follow.
-        if (cut)
-            shown = rest.mid(line.textStart()).section(separator, 0, 0) +
-                    (shown.endsWith(separator) ? ellipsis : QString{});
+        if (cut) {
+            const bool isWhole = shown.endsWith(separator);
+            shown = rest.mid(line.textStart()).section(separator, 0, 0);
+            if (isWhole) shown += ellipsis;
+        }
         shown.remove(separator);
         lines.push_back(cut ? fontMetrics().elidedText(shown, elide_, width()) : shown);
     }
