@@ -1,12 +1,12 @@
 #include "Quellon/Desktop.h"
 
 #include "Quellon/LocaleTexts.h"
+#include "Quellon/SystemNotifications.h"
 #include "QuellonCore/Engine/NotificationActionRouter.h"
 #include "QuellonCore/Notifications/DesktopNotices.h"
 #include "QuellonCore/Presentation/MenuPanelModel.h"
 #include "QuellonCore/Presentation/OnboardingModel.h"
 
-#include <QDBusConnection>
 #include <QDesktopServices>
 #include <QGuiApplication>
 #include <QProcess>
@@ -59,8 +59,8 @@ Desktop::Desktop(GuardEngine& engine, NotificationFeed& notifications, AboutMode
           [this](NotificationAction action, const std::vector<std::string>& apps) { answer(action, apps); },
           [this] { toastScreen_.setToasts(toasts_.toasts()); }),
       notificationLog_(engine.host()),
-      notificationCenter_(QDBusConnection::sessionBus()),
-      notifier_(notificationCenter_, [this](std::string_view text) { notificationLog_.diag(text); }),
+      notificationCenter_(SystemNotifications::center(engine.host().runLoop)),
+      notifier_(*notificationCenter_, [this](std::string_view text) { notificationLog_.diag(text); }),
       toToasts_(notifications, [this](const NotificationPlan& plan) { toasts_.show(plan); }),
       toNotifier_(notifications, [this](const NotificationPlan& plan) { notifier_.deliver(plan); }),
       observation_(engine, [this] { refresh(); }),

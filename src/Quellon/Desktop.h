@@ -4,13 +4,13 @@
 #include "Quellon/SettingsWindowOpener.h"
 #include "QuellonCore/Diagnostics/NotificationLog.h"
 #include "QuellonCore/Engine/GuardEngine.h"
+#include "QuellonCore/Notifications/NotificationCenter.h"
 #include "QuellonCore/Notifications/NotificationFeed.h"
 #include "QuellonCore/Presentation/AboutModel.h"
 #include "QuellonCore/Presentation/DateTexts.h"
 #include "QuellonCore/Presentation/PanelAction.h"
 #include "QuellonCore/Presentation/ToastPresenter.h"
 #include "QuellonCore/Presentation/TrayModel.h"
-#include "QuellonUI/Notifications/DesktopNotificationCenter.h"
 #include "QuellonUI/Onboarding/OnboardingWindow.h"
 #include "QuellonUI/Panel/MenuPanel.h"
 #include "QuellonUI/Toasts/ToastScreen.h"
@@ -52,7 +52,7 @@ private:
     ToastScreen toastScreen_;
     ToastPresenter toasts_;
     NotificationLog notificationLog_;
-    DesktopNotificationCenter notificationCenter_;
+    std::unique_ptr<NotificationCenter> notificationCenter_;
     Notifier notifier_;
     // Toasts first, then the system's notifications, for every plan.
     NotificationFeed::Subscription toToasts_;
