@@ -6,6 +6,7 @@
 #include "Quellon/QuellonApp.h"
 #include "QuellonUI/Desktop/ColourScheme.h"
 #include "QuellonUI/Desktop/SingleInstance.h"
+#include "QuellonUI/Kit/Accessibility.h"
 #include "QuellonUI/Kit/Appearance.h"
 
 #include <QApplication>
@@ -93,6 +94,7 @@ int run(char** arguments, const ProgramOptions& options)
     QApplication::setApplicationDisplayName(QStringLiteral("Quellon"));
     QApplication::setDesktopFileName(QStringLiteral("org.quellon.Quellon"));
     QApplication::setWindowIcon(QIcon{QStringLiteral(":/icons/quellon.svg")});
+    Accessibility::install();
     // There need not be a window: the guard goes on in the tray.
     QApplication::setQuitOnLastWindowClosed(false);
 
