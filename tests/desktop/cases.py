@@ -13,10 +13,14 @@ import sys
 import unittest
 
 from desktop import Desktop
+from screen import everything
 from waiting import wait_until
 
 TESTS = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 SKIPPED = 77
+CONTROLS = ("push button", "toggle button", "check box", "radio button", "combo box", "text", "spin button", "link",
+            "page tab", "list", "menu item")
+MOST_STEPS = 60
 
 program = ""
 pictures = ""
@@ -36,8 +40,15 @@ def reporting(function):
     return wrapper
 
 
+def controls(root) -> list:
+    """What can be seen and used below `root`, by role and name, in the order of the tree."""
+    return [(each.role, each.name) for each in root.all(where=lambda it: it.role in CONTROLS and it.has("showing"))]
+
+
 class DesktopCase(unittest.TestCase):
-    """Tests on one desktop; each begins without the program under test and with an empty state folder."""
+    """Tests on one desktop; each begins without the program under test and with an empty state folder. What a test
+    starts ends with it.
+    """
 
     with_bus = True
     needs_traffic = False
@@ -53,11 +64,24 @@ class DesktopCase(unittest.TestCase):
         if cls.needs_traffic and "LAB_INTERNET" not in os.environ:
             raise unittest.SkipTest("no traffic without the lab")
         cls.desktop = cls.enterClassContext(Desktop(program, cls.with_bus))
+        cls.stand()
+        cls.standing = set(cls.desktop.family.processes)
         if cls.needs_traffic:
             sys.path.insert(0, os.path.join(TESTS, "lab"))
 
-    def tearDown(self):
-        for name in [name for name in self.desktop.family.processes if name.startswith("quellon")]:
+    @classmethod
+    def stand(cls):
+        """For what stands on the desktop in all tests of the class."""
+
+    def run(self, result=None):
+        try:
+            return super().run(result)
+        finally:
+            self.reset()
+
+    def reset(self):
+        """Ends the program under test, and whatever else the test has started by a name of its own."""
+        for name in [name for name in self.desktop.family.processes if name not in self.standing]:
             self.desktop.family.end(name)
         for file in os.listdir(self.desktop.state):
             os.remove(os.path.join(self.desktop.state, file))
@@ -78,6 +102,34 @@ class DesktopCase(unittest.TestCase):
         """Settings of somebody who has seen the first-run window."""
         with open(os.path.join(self.desktop.state, "settings.json"), "w", encoding="utf-8") as file:
             json.dump({"onboarded": True} | values, file)
+
+    def baseline(self):
+        """Waits for the guard's first sample, which charges nobody; what connects later is charged in full."""
+        wait_until(lambda: os.path.exists(os.path.join(self.desktop.state, "ledger.json")), "the first sample")
+
+    def click(self, control):
+        """Clicks a control with the mouse, once it stands still."""
+        self.screen.settled(everything())
+        self.screen.click(control.area)
+
+    def start_again(self):
+        """Starts the program a second time, which brings up the panel of the first."""
+        self.assertEqual(self.desktop.start_program(name="quellon-again").wait(), 0)
+        self.wait_until(self.is_panel_open, "the program's panel")
+
+    def is_panel_open(self) -> bool:
+        return self.quellon.tree.find("push button", "Quit Quellon", lambda it: it.has("showing")) is not None
+
+    def tab_to(self, name: str, backwards: bool = False):
+        """Presses Tab until the control of this name has the keyboard; the names of those on the way."""
+        passed = []
+        for _ in range(MOST_STEPS):
+            focused = self.quellon.tree.focused()
+            if focused and focused.name == name:
+                return passed
+            passed.append(focused.name if focused else "")
+            self.screen.press("shift+Tab" if backwards else "Tab")
+        raise AssertionError(f"Tab does not reach \"{name}\", only {passed}")
 
     def wait_until(self, condition, what: str, seconds: float = 20.0):
         return wait_until(condition, what, seconds)

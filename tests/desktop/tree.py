@@ -9,6 +9,7 @@ from screen import Area  # noqa: E402
 from waiting import wait_until  # noqa: E402
 
 TIMEOUT = 5000
+WINDOWS = ("application", "frame", "window", "dialog", "filler", "panel")
 
 
 class Control:
@@ -109,10 +110,14 @@ class Control:
         return next(iter(self.all(role, name, where)), None)
 
     def wait_for(self, role: str = "", name: str = "", where=None, seconds: float = 20.0) -> "Control":
-        return wait_until(lambda: self.find(role, name, where), f"{role} \"{name}\" in\n{self.outline()}", seconds)
+        return wait_until(lambda: self.find(role, name, where), lambda: f"{role} \"{name}\" in\n{self.outline()}", seconds)
 
     def wait_for_none(self, role: str = "", name: str = ""):
         wait_until(lambda: self.find(role, name) is None, f"the end of {role} \"{name}\"")
+
+    def focused(self):
+        """The control below that has the keyboard; None. Windows that hold it for a control of theirs don't count."""
+        return next(iter(reversed(self.all(where=lambda it: it.has("focused") and it.role not in WINDOWS))), None)
 
     def outline(self, depth: int = 0) -> str:
         """The tree as text, a line for each."""
