@@ -1,6 +1,6 @@
 # The front door. Everything below is a script in tools/ that can be called by itself.
 .DEFAULT_GOAL := help
-.PHONY: help run test demo bench format check sanitize thread fuzz clean
+.PHONY: help run test demo bench pictures format check sanitize thread fuzz clean
 MAKEFLAGS += --no-print-directory
 
 help:
@@ -8,6 +8,7 @@ help:
 	@echo "make demo      a phone, a laptop and a runaway download inside this machine, frozen within a minute"
 	@echo "make test      build and run the whole test suite"
 	@echo "make bench     what watching costs, beside the usual tools"
+	@echo "make pictures  pictures of every view, light and dark, into build/pictures"
 	@echo "make format    lay out the code with clang-format"
 	@echo "make check     layout of the code, clang-tidy, shellcheck"
 	@echo "make sanitize  the test suite under AddressSanitizer and UndefinedBehaviorSanitizer"
@@ -30,6 +31,10 @@ test:
 bench:
 	@tools/install-packages run lab test
 	@tools/bench
+
+pictures:
+	@tools/install-packages run test
+	@tools/make-pictures
 
 format:
 	@tools/install-packages check
