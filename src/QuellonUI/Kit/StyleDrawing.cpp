@@ -240,6 +240,7 @@ void menuItem(const QStyleOptionMenuItem& option, QPainter& painter)
     constexpr int side = 16;
     const Painting painting{option, painter};
     const Theme& theme = themeOf(option);
+    painter.fillRect(option.rect, theme.card);
     if (option.menuItemType == QStyleOptionMenuItem::Separator) {
         const int middle = option.rect.center().y();
         painter.fillRect(QRect{option.rect.left() + 2 * inset, middle, option.rect.width() - 4 * inset, 1},

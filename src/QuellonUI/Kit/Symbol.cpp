@@ -59,6 +59,7 @@ public:
         constexpr float faint = 0.4F;
         QColor colour = Theme::of(QApplication::palette()).tint(tint_);
         if (mode == QIcon::Disabled) colour.setAlphaF(faint);
+        if (mode == QIcon::Selected) colour = Qt::white;
         const int side = static_cast<int>(std::lround(std::min(size.width(), size.height()) / scale));
         return symbolPixmap(name_, side, colour, scale);
     }

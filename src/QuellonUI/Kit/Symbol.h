@@ -22,7 +22,7 @@ namespace quellon {
 void drawSymbol(QPainter& painter, const QPoint& at, std::string_view name, int points, const QColor& colour);
 
 /// The symbol as an icon for buttons and menus, sharp at every size and scale, in the colour that the tint has in the
-/// application's palette when it is drawn; fainter when disabled.
+/// application's palette when it is drawn; fainter when disabled, white when selected.
 [[nodiscard]] QIcon symbolIcon(std::string_view name, Tint tint = Tint::primary);
 
 /// A symbol beside a text. Says nothing by itself.
