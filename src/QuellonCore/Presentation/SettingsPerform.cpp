@@ -36,7 +36,9 @@ public:
     bool operator()(const SelectTab& action)
     {
         if (state_.tab == action.tab) return false;
+        commitAll();
         forgetDrafts(state_);
+        state_.pendingRederive.clear();
         state_.showingPicker = false;
         state_.query.clear();
         state_.copied = false;
@@ -304,6 +306,13 @@ private:
         const bool isSame = !before || NumberField::text(*before) == draft->second;
         state_.drafts.erase(draft);
         if (!isSame) set(field, *reading.value);
+    }
+
+    /// For a page that is left by other means than its fields.
+    void commitAll()
+    {
+        const auto typed = state_.drafts;
+        for (const auto& draft : typed) commit(draft.first);
     }
 
     void set(const NumberField& field, double value)

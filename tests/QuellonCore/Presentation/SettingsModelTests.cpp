@@ -84,6 +84,30 @@ TEST_F(SettingsWindowModel, whatIsTypedStaysWhenItsPageIsChosenAgain)
     EXPECT_EQ(world.state.drafts.at({NumberField::Kind::carrierReading, {}}), "18.2") << "the window's own";
 }
 
+TEST_F(SettingsWindowModel, whatIsTypedTakesEffectWhenItsPageIsLeft)
+{
+    world.types(NumberField::Kind::planSize, "50");
+    world.types(NumberField::Kind::startDay, "99");
+    world.does(SelectTab{SettingsTab::rules}); // as a notification does, while the field still has the focus
+    EXPECT_EQ(world.settings().planGB(), 50.0);
+    EXPECT_EQ(world.settings().billingCycleStartDay(), 1) << "it is refused";
+    world.types({NumberField::Kind::ruleLimit, SettingsWorld::shortRule}, "12");
+    world.does(SelectTab{SettingsTab::plan});
+    EXPECT_EQ(world.settings().rules()[0].thresholdBytes, 12 * mega);
+    EXPECT_THAT(world.state.drafts, IsEmpty());
+}
+
+TEST_F(SettingsWindowModel, theQuestionAboutTheRulesEndsWithItsPage)
+{
+    world.change([](GuardSettings& settings) { settings.rules()[0].thresholdBytes = 30 * mega; });
+    world.does(RederiveRules{});
+    ASSERT_TRUE(std::get<PlanTabModel>(model().page).question);
+    world.does(SelectTab{SettingsTab::rules});
+    world.does(SelectTab{SettingsTab::plan});
+    EXPECT_EQ(std::get<PlanTabModel>(model().page).question, std::nullopt);
+    EXPECT_EQ(world.settings().rules()[0].thresholdBytes, 30 * mega);
+}
+
 TEST_F(SettingsWindowModel, detailSheet)
 {
     EXPECT_EQ(model().detail, std::nullopt);
@@ -129,7 +153,8 @@ TEST_F(SettingsWindowModel, aLineOfTheLogInWords)
 {
     EXPECT_EQ(LogTabModel::line({UUID{}, "10:00:01", GuardEvent::Kind::info, "Quellon started"}),
               "10:00:01 info: Quellon started");
-    EXPECT_EQ(LogTabModel::line({UUID{}, "10:00:02", GuardEvent::Kind::warning, "超时: a"}), "10:00:02 warning: 超时: a");
+    EXPECT_EQ(LogTabModel::line({UUID{}, "10:00:02", GuardEvent::Kind::warning, "超时: a"}),
+              "10:00:02 warning: 超时: a");
     EXPECT_EQ(LogTabModel::line({UUID{}, "", GuardEvent::Kind::enforced, ""}), " enforced: ");
 }
 
