@@ -1,6 +1,7 @@
 #include "Quellon/SettingsWindowOpener.h"
 
 #include "QuellonCore/Presentation/SettingsModel.h"
+#include "QuellonUI/Kit/Appearance.h"
 
 #include <QDesktopServices>
 #include <QGuiApplication>
@@ -21,9 +22,15 @@ SettingsWindowOpener::SettingsWindowOpener(GuardEngine& engine, AboutModel::Buil
 {
 }
 
+SettingsWindowOpener::~SettingsWindowOpener()
+{
+    // The window was moved just before the end.
+    if (rest_) keepPlace();
+}
+
 void SettingsWindowOpener::open(std::optional<SettingsTab> selecting)
 {
-    if (selecting) state_.tab = *selecting;
+    if (selecting) static_cast<void>(perform(SettingsActions::SelectTab{*selecting}, engine_, state_));
     dismissPanel_();
     if (!window_) build();
     if (window_->isMinimized()) window_->showNormal();
@@ -35,6 +42,7 @@ void SettingsWindowOpener::open(std::optional<SettingsTab> selecting)
 
 void SettingsWindowOpener::build()
 {
+    Appearance::applyFonts();
     window_ = std::make_unique<SettingsWindow>();
     QObject::connect(window_.get(), &SettingsWindow::acted, window_.get(),
                      [this](const SettingsAction& action) { act(action); });

@@ -20,6 +20,7 @@ class SettingsWindowOpener {
 public:
     /// `dismissPanel` is called before the window comes up.
     SettingsWindowOpener(GuardEngine& engine, AboutModel::Build build, std::function<void()> dismissPanel);
+    ~SettingsWindowOpener();
     SettingsWindowOpener(const SettingsWindowOpener&) = delete;
     SettingsWindowOpener& operator=(const SettingsWindowOpener&) = delete;
 
