@@ -20,9 +20,9 @@ Qt::WindowFlags flagsOfToasts()
 {
     Qt::WindowFlags flags = Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
                             Qt::WindowDoesNotAcceptFocus | Qt::NoDropShadowWindowHint;
-    // A Wayland compositor moves the managed windows of X11 programs to where it likes.
-    if (QGuiApplication::platformName() == QLatin1String{"xcb"} && qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
-        flags |= Qt::BypassWindowManagerHint;
+    // Window managers leave a window on the desktop where it came up and below one that fills the screen, and a Wayland
+    // compositor moves those of X11 programs to where it likes.
+    if (QGuiApplication::platformName() == QLatin1String{"xcb"}) flags |= Qt::BypassWindowManagerHint;
     return flags;
 }
 
