@@ -11,7 +11,8 @@ QtRunLoop::QtRunLoop(PosixRunLoop& runLoop) : runLoop_(runLoop), notifier_(runLo
     timer_.setTimerType(Qt::PreciseTimer);
     QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_, [this] { turn(); });
     QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { turn(); });
-    turn();
+    // Not before the toolkit's loop runs: until then it can't be told to end.
+    timer_.start(0);
 }
 
 void QtRunLoop::turn()
