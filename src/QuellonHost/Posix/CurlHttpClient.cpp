@@ -1,6 +1,7 @@
 #include "QuellonHost/Posix/CurlHttpClient.h"
 
 #include "QuellonHost/Posix/BackgroundThread.h"
+#include "QuellonHost/Posix/CurlLibrary.h"
 #include "QuellonHost/Posix/CurlTransfer.h"
 
 #include <algorithm>
@@ -12,17 +13,6 @@
 #include <utility>
 
 namespace quellon {
-
-namespace {
-
-/// Once for the process, and never undone: a look-up that was given up may still be using it.
-bool startLibrary()
-{
-    static const bool started = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
-    return started;
-}
-
-} // namespace
 
 /// The thread and all that only it touches: libcurl's handles.
 class CurlHttpClient::Worker {
@@ -40,13 +30,14 @@ public:
 
 private:
     struct Cleanup {
-        void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+        void operator()(CURLM* multi) const { CurlLibrary::loaded().multiCleanup(multi); }
     };
     struct Waiting {
         std::uint64_t number;
         HttpRequest request;
     };
 
+    const CurlLibrary& curl_;
     Options options_;
     Deliver deliver_;
     std::unique_ptr<CURLM, Cleanup> multi_;
@@ -56,8 +47,8 @@ private:
     bool ends_ = false;
     std::thread thread_;
 
-    Worker(const Options& options, Deliver deliver)
-        : options_{options}, deliver_{std::move(deliver)}, multi_{curl_multi_init()}
+    Worker(const CurlLibrary& curl, const Options& options, Deliver deliver)
+        : curl_{curl}, options_{options}, deliver_{std::move(deliver)}, multi_{curl.multiInit()}
     {
     }
     void serve();
@@ -69,10 +60,11 @@ private:
 
 std::unique_ptr<CurlHttpClient::Worker> CurlHttpClient::Worker::start(const Options& options, Deliver deliver)
 {
-    if (!startLibrary()) return nullptr;
-    std::unique_ptr<Worker> result{new Worker{options, std::move(deliver)}};
+    const CurlLibrary* const curl = CurlLibrary::load();
+    if (curl == nullptr) return nullptr;
+    std::unique_ptr<Worker> result{new Worker{*curl, options, std::move(deliver)}};
     // Without descriptors left there may be a handle that can't be woken.
-    if (!result->multi_ || curl_multi_wakeup(result->multi_.get()) != CURLM_OK) return nullptr;
+    if (!result->multi_ || curl->multiWakeup(result->multi_.get()) != CURLM_OK) return nullptr;
     result->thread_ = startBackgroundThread([worker = result.get()] { worker->serve(); });
     return result->thread_.joinable() ? std::move(result) : nullptr;
 }
@@ -84,7 +76,7 @@ CurlHttpClient::Worker::~Worker()
         const std::lock_guard guard{lock_};
         ends_ = true;
     }
-    curl_multi_wakeup(multi_.get());
+    curl_.multiWakeup(multi_.get());
     thread_.join();
 }
 
@@ -94,7 +86,7 @@ void CurlHttpClient::Worker::add(std::uint64_t number, HttpRequest request)
         const std::lock_guard guard{lock_};
         queue_.push_back({number, std::move(request)});
     }
-    curl_multi_wakeup(multi_.get());
+    curl_.multiWakeup(multi_.get());
 }
 
 void CurlHttpClient::Worker::serve()
@@ -102,11 +94,11 @@ void CurlHttpClient::Worker::serve()
     constexpr int longestPause = 3'600'000; // milliseconds; libcurl itself knows when something is due before
     while (admit()) {
         int running = 0;
-        curl_multi_perform(multi_.get(), &running);
+        curl_.multiPerform(multi_.get(), &running);
         collect();
-        curl_multi_poll(multi_.get(), nullptr, 0, longestPause, nullptr);
+        curl_.multiPoll(multi_.get(), nullptr, 0, longestPause, nullptr);
     }
-    for (const auto& transfer : transfers_) curl_multi_remove_handle(multi_.get(), transfer->handle());
+    for (const auto& transfer : transfers_) curl_.multiRemove(multi_.get(), transfer->handle());
     transfers_.clear();
 }
 
@@ -126,7 +118,7 @@ bool CurlHttpClient::Worker::admit()
 void CurlHttpClient::Worker::begin(Waiting waiting)
 {
     auto transfer = std::make_unique<CurlTransfer>(waiting.number, std::move(waiting.request), options_);
-    if (transfer->handle() != nullptr && curl_multi_add_handle(multi_.get(), transfer->handle()) == CURLM_OK) {
+    if (transfer->handle() != nullptr && curl_.multiAdd(multi_.get(), transfer->handle()) == CURLM_OK) {
         transfers_.push_back(std::move(transfer));
     } else {
         deliver_(waiting.number, std::nullopt);
@@ -136,7 +128,7 @@ void CurlHttpClient::Worker::begin(Waiting waiting)
 void CurlHttpClient::Worker::collect()
 {
     int left = 0;
-    while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &left)) {
+    while (const CURLMsg* message = curl_.multiRead(multi_.get(), &left)) {
         // The message is gone as soon as its handle is removed.
         if (message->msg == CURLMSG_DONE) finish(message->easy_handle, message->data.result);
     }
@@ -150,7 +142,7 @@ void CurlHttpClient::Worker::finish(CURL* handle, CURLcode code)
     const auto transfer = std::move(*found);
     transfers_.erase(found);
     auto response = transfer->response(code);
-    curl_multi_remove_handle(multi_.get(), handle);
+    curl_.multiRemove(multi_.get(), handle);
     deliver_(transfer->number(), std::move(response));
 }
 

@@ -1,5 +1,7 @@
 #include "QuellonHost/Posix/CurlTransfer.h"
 
+#include "QuellonHost/Posix/CurlLibrary.h"
+
 #include <algorithm>
 #include <cmath>
 #include <string_view>
@@ -45,7 +47,7 @@ curl_socket_t openSocket(void*, curlsocktype, curl_sockaddr* address)
 } // namespace
 
 CurlTransfer::CurlTransfer(std::uint64_t number, HttpRequest request, const CurlHttpClient::Options& options)
-    : number_{number}, request_{std::move(request)}, handle_{curl_easy_init()}
+    : number_{number}, request_{std::move(request)}, handle_{CurlLibrary::loaded().easyInit()}
 {
     ready_ = handle_ != nullptr;
     if (!ready_) return;
@@ -60,7 +62,7 @@ std::optional<HttpResponse> CurlTransfer::response(CURLcode code)
     if (code != CURLE_OK && !isOverLimit()) return std::nullopt;
     if (!isHeadWhole_) return std::nullopt; // libcurl is content with headers that break off
     long status = 0;
-    curl_easy_getinfo(handle_.get(), CURLINFO_RESPONSE_CODE, &status);
+    CurlLibrary::loaded().easyGet(handle_.get(), CURLINFO_RESPONSE_CODE, &status);
     return HttpResponse{static_cast<int>(status), std::move(body_)};
 }
 
@@ -68,12 +70,12 @@ template <class Value>
 void CurlTransfer::set(CURLoption option, Value value)
 {
     static_assert(std::is_same_v<Value, long> || std::is_same_v<Value, curl_off_t> || std::is_pointer_v<Value>);
-    ready_ = ready_ && curl_easy_setopt(handle_.get(), option, value) == CURLE_OK;
+    ready_ = ready_ && CurlLibrary::loaded().easySet(handle_.get(), option, value) == CURLE_OK;
 }
 
 void CurlTransfer::append(List& list, const std::string& text)
 {
-    curl_slist* const longer = curl_slist_append(list.get(), text.c_str());
+    curl_slist* const longer = CurlLibrary::loaded().listAppend(list.get(), text.c_str());
     ready_ = ready_ && longer != nullptr && isOneLine(text);
     if (longer == nullptr) return;
     (void)list.release();

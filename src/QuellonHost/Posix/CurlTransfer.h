@@ -2,6 +2,7 @@
 
 #include "QuellonCore/Host/HttpClient.h"
 #include "QuellonHost/Posix/CurlHttpClient.h"
+#include "QuellonHost/Posix/CurlLibrary.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -12,7 +13,8 @@
 
 namespace quellon {
 
-/// One exchange: libcurl's handle with everything set, and what has come back. One thread at a time.
+/// One exchange: the handle of libcurl, which has been loaded, with everything set, and what has come back. One thread
+/// at a time.
 class CurlTransfer {
 public:
     CurlTransfer(std::uint64_t number, HttpRequest request, const CurlHttpClient::Options& options);
@@ -29,8 +31,8 @@ public:
 
 private:
     struct Cleanup {
-        void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
-        void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+        void operator()(CURL* handle) const { CurlLibrary::loaded().easyCleanup(handle); }
+        void operator()(curl_slist* list) const { CurlLibrary::loaded().listFree(list); }
     };
     using List = std::unique_ptr<curl_slist, Cleanup>;
 
