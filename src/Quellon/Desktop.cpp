@@ -6,6 +6,7 @@
 #include "QuellonCore/Notifications/DesktopNotices.h"
 #include "QuellonCore/Presentation/MenuPanelModel.h"
 #include "QuellonCore/Presentation/OnboardingModel.h"
+#include "QuellonUI/Kit/Appearance.h"
 
 #include <QDesktopServices>
 #include <QGuiApplication>
@@ -57,7 +58,7 @@ Desktop::Desktop(GuardEngine& engine, NotificationFeed& notifications, AboutMode
       toasts_(
           engine.host().runLoop,
           [this](NotificationAction action, const std::vector<std::string>& apps) { answer(action, apps); },
-          [this] { toastScreen_.setToasts(toasts_.toasts()); }),
+          [this] { showToasts(); }),
       notificationLog_(engine.host()),
       notificationCenter_(SystemNotifications::center(engine.host().runLoop)),
       notifier_(*notificationCenter_, [this](std::string_view text) { notificationLog_.diag(text); }),
@@ -102,6 +103,7 @@ void Desktop::presentOnboarding()
 {
     dismissPanel();
     onboardingState_ = {};
+    Appearance::applyFonts();
     onboarding_ = std::make_unique<OnboardingWindow>();
     QObject::connect(onboarding_.get(), &OnboardingWindow::acted, onboarding_.get(),
                      [this](const SettingsAction& action) {
@@ -181,6 +183,7 @@ void Desktop::togglePanel(const QPoint& anchor)
 void Desktop::openPanel(const QPoint& anchor)
 {
     if (!panel_) {
+        Appearance::applyFonts();
         panel_ = std::make_unique<MenuPanel>();
         QObject::connect(panel_.get(), &MenuPanel::acted, panel_.get(),
                          [this](const PanelAction& action) { act(action); });
@@ -219,6 +222,12 @@ void Desktop::answer(NotificationAction action, const std::vector<std::string>& 
 {
     NotificationActionRouter::perform(action, apps, engine_, [this](SettingsTab tab) { settings_.open(tab); });
     refresh();
+}
+
+void Desktop::showToasts()
+{
+    if (!toasts_.toasts().empty()) Appearance::applyFonts();
+    toastScreen_.setToasts(toasts_.toasts());
 }
 
 void Desktop::tellOfAbsentTray()

@@ -83,6 +83,7 @@ private:
     void act(const PanelAction& action);
     void choose(TrayCommand command);
     void answer(NotificationAction action, const std::vector<std::string>& apps);
+    void showToasts();
     void tellOfAbsentTray();
 };
 

@@ -101,8 +101,8 @@ int run(char** arguments, const ProgramOptions& options)
     const SingleInstance instance;
     if (instance.isAlreadyRunning()) return ExitStatus::success;
     const ColourScheme colours;
-    Appearance::apply(colours.isDark());
-    QObject::connect(&colours, &ColourScheme::changed, &application, &Appearance::apply);
+    Appearance::applyColours(colours.isDark());
+    QObject::connect(&colours, &ColourScheme::changed, &application, &Appearance::applyColours);
 
     QuellonApp app{options};
     Desktop desktop{app.engine(), app.notifications(), app.build(), [] { QApplication::quit(); }};
