@@ -91,7 +91,8 @@ int run(char** arguments, const ProgramOptions& options)
     QApplication application{ownCount, ownName.data()};
     qInstallMessageHandler(usualHandler);
     platform.made();
-    QApplication::setApplicationDisplayName(QStringLiteral("Quellon"));
+    // A display name would be put behind the titles of windows.
+    QApplication::setApplicationName(QStringLiteral("Quellon"));
     QApplication::setDesktopFileName(QStringLiteral("org.quellon.Quellon"));
     QApplication::setWindowIcon(QIcon{QStringLiteral(":/icons/quellon.svg")});
     Accessibility::install();
