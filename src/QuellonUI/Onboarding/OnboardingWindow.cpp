@@ -61,6 +61,13 @@ OnboardingWindow::OnboardingWindow()
     FocusOrder::follow(*this);
 }
 
+OnboardingWindow::~OnboardingWindow()
+{
+    // A field that goes with the focus in it would report that it was left.
+    ends_ = true;
+    if (QWidget* const focus = focusWidget()) focus->clearFocus();
+}
+
 void OnboardingWindow::arrange()
 {
     auto* const column = new QVBoxLayout{content_};
@@ -162,6 +169,7 @@ void OnboardingWindow::showLimits(const std::vector<OnboardingModel::Limit>& lim
 void OnboardingWindow::forward(const SettingsAction& action)
 {
     using namespace SettingsActions;
+    if (ends_) return;
     const SettingsAction kept = action;
     if (!std::holds_alternative<EditNumber>(kept) && !std::holds_alternative<CommitNumber>(kept)) finishTyping();
     expectsModel_ = true;

@@ -25,6 +25,7 @@ class OnboardingWindow final : public QWidget {
     Q_OBJECT
 public:
     OnboardingWindow();
+    ~OnboardingWindow() override;
 
     /// Shows this; returns at once when it is what is shown.
     void setModel(const OnboardingModel& model);
@@ -41,6 +42,7 @@ protected:
 
 private:
     OnboardingModel model_;
+    bool ends_ = false;        ///< The window is being destroyed.
     bool expectsModel_ = true; ///< Something was done: what is drawn may differ from the model.
 
     QWidget* content_;

@@ -142,7 +142,7 @@ void AppDetailView::setModel(const AppDetailModel& model)
     const bool isAnother = model.policy.accessibilityLabel != model_.policy.accessibilityLabel;
     model_ = model;
     app_->setText(toQString(model_.app));
-    setAccessibleName(app_->text());
+    setWindowTitle(app_->text()); // The sheet's name.
     subtitle_->setText(toQString(model_.subtitle.value_or("")));
     subtitle_->setVisible(model_.subtitle.has_value());
     policy_->setModel(model_.policy);

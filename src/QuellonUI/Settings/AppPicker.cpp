@@ -24,7 +24,7 @@ AppPicker::AppPicker(QWidget* parent)
       cancel_(new PushButton{Fonts::body(), this})
 {
     title_->setText(toQString(AppPickerModel::title));
-    setAccessibleName(title_->text());
+    setWindowTitle(title_->text()); // The sheet's name.
     text_->setText(toQString(AppPickerModel::text));
     text_->setTint(Tint::secondary);
     arrange();

@@ -69,6 +69,7 @@ void LookupSection::arrangeConsent()
 
 void LookupSection::setModel(const AppDetailModel::Unknown& model)
 {
+    const bool hadFocus = isAncestorOf(window()->focusWidget());
     text_->setText(toQString(model.text));
     if (model.lookingUp) {
         lookingUp_->setText(toQString(*model.lookingUp));
@@ -79,6 +80,17 @@ void LookupSection::setModel(const AppDetailModel::Unknown& model)
     consent_->setVisible(model.consent.has_value());
     explain_.setModel(model.explain);
     setOptional(*failure_, model.failure);
+    if (hadFocus && !isAncestorOf(window()->focusWidget())) takeFocus();
+}
+
+/// What was pressed has made room for something else: the keyboard goes on there, with what grants nothing.
+void LookupSection::takeFocus()
+{
+    for (LinkButton* const each : {decline_.button, explain_.button}) {
+        if (!each->isVisible()) continue;
+        each->setFocus();
+        return;
+    }
 }
 
 void LookupSection::showConsent(const ExplainConsentRow& consent)

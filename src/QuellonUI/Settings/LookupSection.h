@@ -34,6 +34,7 @@ private:
     void arrangeProgress();
     void arrangeConsent();
     void showConsent(const ExplainConsentRow& consent);
+    void takeFocus();
 };
 
 } // namespace quellon

@@ -12,11 +12,12 @@ namespace {
 
 constexpr int widestName = 260;
 
-TextLabel* makeValue(QWidget* parent)
+/// A value in one line, to be selected and copied.
+Paragraph* makeValue(QWidget* parent)
 {
-    auto* const value = new TextLabel{Fonts::body(), parent};
+    auto* const value = new Paragraph{Fonts::body(), parent};
+    value->setWordWrap(false);
     value->setTint(Tint::secondary);
-    value->setTextInteractionFlags(Qt::TextSelectableByMouse);
     return value;
 }
 
@@ -32,7 +33,7 @@ void showChoice(FormRow& row, ChoiceBox& box, const FormChoice& model)
     box.setModel(model);
 }
 
-void showStat(FormRow& row, TextLabel& value, const FormStat& model)
+void showStat(FormRow& row, Paragraph& value, const FormStat& model)
 {
     row.setLabel(toQString(model.label));
     value.setText(toQString(model.value));
@@ -158,7 +159,8 @@ void PlanPage::setModel(const PlanTabModel& model)
     planID_ = model.plan;
     showChoice(*profileRow_, *profile_, model.profile);
     nameRow_->setLabel(toQString(model.name.label));
-    name_->setAccessibleName(toQString(model.name.accessibilityLabel));
+    const QString name = toQString(model.name.accessibilityLabel);
+    if (name_->accessibleName() != name) name_->setAccessibleName(name);
     name_->setModelText(toQString(model.name.text));
     add_.setModel(model.add);
     remove_.setModel(model.remove);

@@ -8,8 +8,6 @@
 #include "QuellonUI/Settings/Form/FormView.h"
 #include "QuellonUI/Settings/Form/NumberEdit.h"
 
-class QHBoxLayout;
-
 namespace quellon {
 
 /// The page about the data plans. The question that its model may hold is the window's to show.
@@ -44,9 +42,9 @@ private:
 
     FormCard* cycle_;
     FormRow* usedRow_;
-    TextLabel* used_;
+    Paragraph* used_;
     FormRow* leftRow_;
-    TextLabel* left_;
+    Paragraph* left_;
     FormRow* carrierRow_;
     NumberEdit* carrier_;
     FormPress<PushButton> match_;

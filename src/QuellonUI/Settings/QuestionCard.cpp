@@ -35,7 +35,7 @@ QuestionCard::QuestionCard(QWidget* parent)
 void QuestionCard::setModel(const PlanTabModel::Question& model)
 {
     title_->setText(toQString(model.title));
-    setAccessibleName(title_->text());
+    setWindowTitle(title_->text()); // The sheet's name.
     QStringList changes;
     for (const std::string& each : model.changes) changes += toQString(each);
     changes_->setText(changes.join(QLatin1Char{'\n'}));

@@ -59,6 +59,13 @@ SettingsWindow::SettingsWindow()
     fitScreen();
 }
 
+SettingsWindow::~SettingsWindow()
+{
+    // A field that goes with the focus in it would report that it was left.
+    ends_ = true;
+    if (QWidget* const focus = focusWidget()) focus->clearFocus();
+}
+
 void SettingsWindow::fitScreen()
 {
     const QSize room = screen()->availableGeometry().size();
@@ -74,6 +81,7 @@ void SettingsWindow::setModel(const SettingsModel& model)
     tabs_->setModel(model_.tabs);
     std::visit([this](const auto& page) { showPage(page); }, model_.page);
     showSheets();
+    tabs_->followPage();
 }
 
 template <typename Page>
@@ -136,7 +144,7 @@ void SettingsWindow::showSheet(Sheet*& sheet, Content*& content, const Model* mo
     }
     content->setModel(*model);
     if (isNew) FocusOrder::follow(*this);
-    sheet->setAccessibleName(content->accessibleName());
+    sheet->setAccessibleName(content->windowTitle());
     sheet->present(content->firstControl());
 }
 
@@ -170,6 +178,7 @@ void SettingsWindow::escape()
 void SettingsWindow::forward(const SettingsAction& action)
 {
     using namespace SettingsActions;
+    if (ends_) return;
     const SettingsAction kept = action;
     const bool isTyping = std::holds_alternative<EditNumber>(kept) || std::holds_alternative<CommitNumber>(kept) ||
                           std::holds_alternative<RenameProfile>(kept) || std::holds_alternative<FilterPicker>(kept);

@@ -29,6 +29,7 @@ class SettingsWindow final : public QWidget {
     Q_OBJECT
 public:
     SettingsWindow();
+    ~SettingsWindow() override;
 
     /// Shows this; returns at once when it is what is shown.
     void setModel(const SettingsModel& model);
@@ -49,6 +50,7 @@ protected:
 
 private:
     SettingsModel model_;
+    bool ends_ = false;        ///< The window is being destroyed.
     bool expectsModel_ = true; ///< Something was done: what is drawn may differ from the model.
 
     TabBar* tabs_;

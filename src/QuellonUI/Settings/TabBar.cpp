@@ -100,9 +100,12 @@ void TabBar::setModel(const std::vector<SettingsModel::Tab>& tabs)
         buttons_.push_back(button);
     }
     for (std::size_t i = 0; i < tabs.size(); ++i) buttons_[i]->setModel(tabs[i]);
-    // The focus goes with the page that the mouse has opened.
-    const bool hasFocus = std::ranges::any_of(buttons_, [](const TabButton* each) { return each->hasFocus(); });
-    if (hasFocus && open() != nullptr && !open()->hasFocus()) takeFocus();
+}
+
+void TabBar::followPage()
+{
+    const QWidget* const focus = window()->focusWidget();
+    if (focus != open() && std::ranges::find(buttons_, focus) != buttons_.end()) takeFocus();
 }
 
 TabButton* TabBar::open() const

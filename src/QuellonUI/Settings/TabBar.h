@@ -41,6 +41,8 @@ public:
     void setModel(const std::vector<SettingsModel::Tab>& tabs);
     /// Gives the focus to the tab of the page that is open.
     void takeFocus();
+    /// Does so when another tab has the focus: the mouse, or somebody else, has opened the page.
+    void followPage();
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;

@@ -1,5 +1,6 @@
 #include "QuellonUI/Settings/Form/ChoiceBox.h"
 
+#include "QuellonUI/Kit/ToolTipText.h"
 #include "QuellonUI/Theme.h"
 
 #include <QAbstractItemView>
@@ -66,6 +67,31 @@ void ChoiceBox::choose(int index)
     Q_EMIT acted(action);
 }
 
+/// What the toolkit leaves out of account: the blank part of a character beside its ink, which in Chinese brackets is
+/// half of it.
+int ChoiceBox::blanks() const
+{
+    const QFontMetrics metrics = fontMetrics();
+    int ink = 0;
+    int whole = 0;
+    for (const auto& option : model_.options) {
+        const QString title = toQString(option.title);
+        ink = std::max(ink, metrics.boundingRect(title).width());
+        whole = std::max(whole, metrics.horizontalAdvance(title));
+    }
+    return std::max(0, whole - ink);
+}
+
+QSize ChoiceBox::sizeHint() const
+{
+    return QComboBox::sizeHint() + QSize{blanks(), 0};
+}
+
+QSize ChoiceBox::minimumSizeHint() const
+{
+    return QComboBox::minimumSizeHint() + QSize{blanks(), 0};
+}
+
 void ChoiceBox::paintEvent(QPaintEvent* /*event*/)
 {
     QStylePainter painter{this};
@@ -88,7 +114,7 @@ bool ChoiceBox::event(QEvent* event)
     QStyleOptionComboBox option;
     initStyleOption(&option);
     if (elided(*this, option) != currentText()) {
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), currentText().toHtmlEscaped(), this);
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), toolTipOf(currentText()), this);
     }
     return true;
 }

@@ -14,6 +14,8 @@ public:
     explicit ChoiceBox(QWidget* parent = nullptr);
 
     void setModel(const FormChoice& model);
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
 
 Q_SIGNALS:
     void acted(const SettingsAction& action);
@@ -29,6 +31,7 @@ private:
     void take(const FormChoice& model);
     void fill();
     void choose(int index);
+    [[nodiscard]] int blanks() const;
 };
 
 } // namespace quellon

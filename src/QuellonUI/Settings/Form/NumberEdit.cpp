@@ -36,11 +36,15 @@ NumberEdit::NumberEdit(QWidget* parent)
 
 void NumberEdit::setModel(const FormNumber& model)
 {
+    // The text is the only part that the user changes. To tell the rest again would tell screen readers of it again.
+    edit_->setModelText(toQString(model.text));
+    if (model == model_) return;
     model_ = model;
-    edit_->setModelText(toQString(model_.text));
     edit_->setPlaceholderText(toQString(model_.prompt));
-    edit_->setAccessibleName(toQString(model_.accessibilityLabel));
-    edit_->setAccessibleDescription(toQString(model_.refusal.value_or("")));
+    const QString name = toQString(model_.accessibilityLabel);
+    if (edit_->accessibleName() != name) edit_->setAccessibleName(name);
+    const QString description = toQString(model_.refusal.value_or(""));
+    if (edit_->accessibleDescription() != description) edit_->setAccessibleDescription(description);
     edit_->setRefused(model_.refusal.has_value());
     suffix_->setText(toQString(model_.suffix));
     setOptional(*refusal_, model_.refusal);
