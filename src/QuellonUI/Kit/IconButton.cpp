@@ -1,6 +1,7 @@
 #include "QuellonUI/Kit/IconButton.h"
 
 #include "QuellonUI/Kit/Symbol.h"
+#include "QuellonUI/Kit/ToolTipText.h"
 #include "QuellonUI/Theme.h"
 
 #include <QPainter>
@@ -31,7 +32,7 @@ void IconButton::setLabel(const QString& label)
 {
     if (label == accessibleName()) return;
     setAccessibleName(label);
-    setToolTip(label);
+    setToolTip(toolTipOf(label));
 }
 
 QSize IconButton::sizeHint() const

@@ -1,5 +1,6 @@
 #include "QuellonUI/Kit/TextLabel.h"
 
+#include "QuellonUI/Kit/ToolTipText.h"
 #include "QuellonUI/Theme.h"
 
 #include <QEvent>
@@ -56,7 +57,7 @@ bool TextLabel::event(QEvent* event)
 {
     if (event->type() != QEvent::ToolTip) return QLabel::event(event);
     if (shownText() != text()) {
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), toolTipOf(text()), this);
         return true;
     }
     return QLabel::event(event);
