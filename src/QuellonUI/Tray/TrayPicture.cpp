@@ -3,7 +3,7 @@
 #include "QuellonUI/Kit/Symbol.h"
 #include "QuellonUI/Theme.h"
 
-#include <QFontMetricsF>
+#include <QApplication>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -17,7 +17,7 @@ namespace {
 /// The text as a shape that fills `room` as far as its proportions allow, in the middle of its bottom.
 QPainterPath textShape(const QString& text, const QRectF& room)
 {
-    QFont font = Fonts::body();
+    QFont font = QApplication::font();
     font.setWeight(QFont::Bold);
     font.setPixelSize(100);
     QPainterPath shape;
