@@ -35,8 +35,11 @@ QPixmap drawn(std::string_view name, int side, const QColor& colour)
     if (!file.open(QIODevice::ReadOnly)) return result;
     QSvgRenderer renderer{file.readAll().replace("currentColor", colour.name().toLatin1())};
     QPainter painter{&result};
-    painter.setOpacity(colour.alphaF());
     renderer.render(&painter);
+    if (colour.alpha() == 255) return result;
+    // All of it at once, or it would be less faint where its lines meet.
+    painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+    painter.fillRect(result.rect(), QColor{0, 0, 0, colour.alpha()});
     return result;
 }
 

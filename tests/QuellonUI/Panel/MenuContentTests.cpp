@@ -1,6 +1,5 @@
 #include "PanelTest.h"
 
-#include "QuellonUI/Kit/Bar.h"
 #include "QuellonUI/Kit/StatusDot.h"
 #include "QuellonUI/Kit/Symbol.h"
 #include "QuellonUI/Panel/HeaderView.h"
@@ -20,13 +19,6 @@ using testing::Not;
 
 class MenuContentTest : public PanelTest {
 protected:
-    [[nodiscard]] TextRuns* runs(const std::string& text) const
-    {
-        for (TextRuns* const each : panel.findChildren<TextRuns*>()) {
-            if (each->isVisible() && each->text() == toQString(text)) return each;
-        }
-        return nullptr;
-    }
     [[nodiscard]] std::vector<SymbolLabel*> symbols(std::string_view name) const
     {
         std::vector<SymbolLabel*> result;
@@ -34,13 +26,6 @@ protected:
             if (each->isVisible() && each->name() == name) result.push_back(each);
         }
         return result;
-    }
-    [[nodiscard]] Bar* bar(const std::string& name) const
-    {
-        for (Bar* const each : panel.findChildren<Bar*>()) {
-            if (each->isVisible() && each->accessibleName() == toQString(name)) return each;
-        }
-        return nullptr;
     }
 };
 
@@ -372,57 +357,6 @@ TEST_F(MenuContentTest, ampersandsAreShown)
     open(model);
     EXPECT_THAT(texts(), Contains("Work & travel"));
     EXPECT_THAT(texts(), Contains("This & that"));
-}
-
-TEST_F(MenuContentTest, accessibilityTree)
-{
-    open(everything());
-    struct Case {
-        const char* name;
-        QAccessible::Role role;
-    };
-    constexpr Case cases[] = {
-        {"Guard", QAccessible::CheckBox},
-        {"How to fix", QAccessible::Button},
-        {"Dismiss update notice", QAccessible::Button},
-        {"Switch plan profile", QAccessible::ButtonMenu},
-        {"Collapse firefox", QAccessible::Button},
-        {"Open details for firefox", QAccessible::Button},
-        {"Explain syncthing", QAccessible::Button},
-        {"Resume all", QAccessible::Button},
-        {"Resume", QAccessible::Button},
-        {"Open settings", QAccessible::Button},
-        {"Quit Quellon", QAccessible::Button},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        QAbstractButton* const found = button(c.name);
-        ASSERT_NE(found, nullptr);
-        EXPECT_EQ(roleOf(*found), c.role);
-        EXPECT_EQ(found->focusPolicy() & Qt::TabFocus, Qt::TabFocus);
-    }
-    EXPECT_TRUE(QAccessible::queryAccessibleInterface(button("Guard"))->state().checked);
-    EXPECT_EQ(roleOf(*bar("firefox")), QAccessible::ProgressBar);
-    auto* const values = QAccessible::queryAccessibleInterface(bar("This month"))->valueInterface();
-    ASSERT_NE(values, nullptr);
-    EXPECT_EQ(values->currentValue().toInt() * 1000, values->maximumValue().toInt() * 930);
-    EXPECT_EQ(nameOf(*runs("at least — 2 gap(s) couldn't be measured")), "at least — 2 gap(s) couldn't be measured");
-}
-
-TEST_F(MenuContentTest, assistiveTechnologyPresses)
-{
-    open(everything());
-    for (const char* const name : {"Guard", "Collapse firefox", "Resume all"}) {
-        SCOPED_TRACE(name);
-        acted.clear();
-        auto* const actions = QAccessible::queryAccessibleInterface(button(name))->actionInterface();
-        ASSERT_NE(actions, nullptr);
-        actions->doAction(actions->actionNames().front());
-        // The toolkit shows the button pressed for a moment.
-        for (int i = 0; i < 1000 && acted.empty(); ++i) QApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        EXPECT_EQ(acted.size(), 1U);
-        EXPECT_TRUE(button("Guard")->isChecked());
-    }
 }
 
 } // namespace

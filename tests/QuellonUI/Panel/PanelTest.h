@@ -1,6 +1,8 @@
 #pragma once
 
+#include "QuellonUI/Kit/Accessibility.h"
 #include "QuellonUI/Kit/Appearance.h"
+#include "QuellonUI/Kit/Bar.h"
 #include "QuellonUI/Kit/Paragraph.h"
 #include "QuellonUI/Kit/TextLabel.h"
 #include "QuellonUI/Kit/TextRuns.h"
@@ -75,6 +77,7 @@ protected:
     PanelTest()
     {
         Appearance::apply(false);
+        Accessibility::install();
         QObject::connect(&panel, &MenuPanel::acted, &panel,
                          [this](const PanelAction& action) { acted.push_back(action); });
     }
@@ -127,6 +130,22 @@ protected:
     {
         for (TextLabel* const each : panel.findChildren<TextLabel*>()) {
             if (each->isVisible() && each->text() == toQString(text)) return each;
+        }
+        return nullptr;
+    }
+    /// The visible line of this text; null without one.
+    [[nodiscard]] TextRuns* runs(const std::string& text) const
+    {
+        for (TextRuns* const each : panel.findChildren<TextRuns*>()) {
+            if (each->isVisible() && each->text() == toQString(text)) return each;
+        }
+        return nullptr;
+    }
+    /// The visible bar of this accessible name; null without one.
+    [[nodiscard]] Bar* bar(const std::string& name) const
+    {
+        for (Bar* const each : panel.findChildren<Bar*>()) {
+            if (each->isVisible() && each->accessibleName() == toQString(name)) return each;
         }
         return nullptr;
     }
