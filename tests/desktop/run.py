@@ -1,11 +1,11 @@
 #!/usr/bin/python3
 """Runs tests on a desktop in the lab, or without it where there can be none.
 
-    run.py SCRIPT CLASS PROGRAM PICTURES
+    run.py [--home] SCRIPT CLASS PROGRAM PICTURES
 
-In the lab, an unprivileged user has the desktop, on a laptop behind a phone's hotspot, and nothing outlasts it,
-whatever happens. Without the lab the tests that need traffic are skipped; exit status 77 says so. A missing package is
-a failure.
+In the lab, an unprivileged user has the desktop, on a laptop behind a phone's hotspot, or with --home in an ordinary
+network, and nothing outlasts it, whatever happens. Without the lab the tests that need traffic are skipped; exit status
+77 says so. A missing package is a failure.
 """
 
 import importlib.util
@@ -41,23 +41,23 @@ def missing() -> list:
     return found
 
 
-def command(script: str, chosen: str, program: str, pictures: str) -> list:
+def command(options: list, script: str, chosen: str, program: str, pictures: str) -> list:
     """The command line of the tests, in the lab where there can be one."""
     tests = [os.path.join(HERE, script), chosen, program, pictures]
     trial = subprocess.run([LAB, "check"], capture_output=True, text=True, check=False)
     if trial.returncode != 0:
         print(trial.stdout.strip() or trial.stderr.strip())
         return tests
-    return [LAB, "--reach", os.path.dirname(program), "--reach", pictures, *tests]
+    return [LAB, *options, "--reach", os.path.dirname(program), "--reach", pictures, *tests]
 
 
 def main():
-    script, chosen, program, pictures = sys.argv[1:]
+    options, (script, chosen, program, pictures) = sys.argv[1:-4], sys.argv[-4:]
     if packages := missing():
         sys.exit(f"not installed: {', '.join(packages)}")
     os.makedirs(pictures, exist_ok=True)
     os.chmod(pictures, 0o1777)
-    line = command(script, chosen, program, pictures)
+    line = command(options, script, chosen, program, pictures)
     os.execv(line[0], line)
 
 
