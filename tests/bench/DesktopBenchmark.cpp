@@ -70,7 +70,13 @@ double untilPainted(const Show& show)
 /// A guard with much to show, and the desktop program on it, without a message bus.
 class PanelScene {
 public:
-    PanelScene() { move(); }
+    PanelScene()
+    {
+        move();
+        // After that no time passes before the first opening, in which a toast could load the fonts.
+        desktop_ = std::make_unique<Desktop>(world_.engine, notifications_,
+                                             AboutModel::Build{"1.2.0", std::nullopt, "6.1.0"}, [] {});
+    }
 
     /// All applications move other amounts than the time before.
     void move()
@@ -89,7 +95,7 @@ public:
     double open()
     {
         return untilPainted([this]() -> QWidget& {
-            desktop_.showPanel();
+            desktop_->showPanel();
             return panel();
         });
     }
@@ -110,7 +116,7 @@ private:
     std::vector<std::uint64_t> total_ = std::vector<std::uint64_t>(applications);
     PanelWorld world_{Platform::linux()};
     NotificationFeed notifications_;
-    Desktop desktop_{world_.engine, notifications_, {"1.2.0", std::nullopt, "6.1.0"}, [] {}};
+    std::unique_ptr<Desktop> desktop_;
 
     static MenuPanel& panel()
     {
