@@ -1,9 +1,8 @@
 #include "QuellonUI/Tray/TrayPicture.h"
 
 #include "QuellonUI/Kit/Symbol.h"
-#include "QuellonUI/Theme.h"
+#include "QuellonUI/Tray/TrayDigits.h"
 
-#include <QApplication>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -14,14 +13,10 @@ namespace quellon {
 
 namespace {
 
-/// The text as a shape that fills `room` as far as its proportions allow, in the middle of its bottom.
-QPainterPath textShape(const QString& text, const QRectF& room)
+/// The number as a shape that fills `room` as far as its proportions allow, in the middle of its bottom.
+QPainterPath badgeShape(const std::string& text, const QRectF& room)
 {
-    QFont font = QApplication::font();
-    font.setWeight(QFont::Bold);
-    font.setPixelSize(100);
-    QPainterPath shape;
-    shape.addText(0, 0, font, text);
+    const QPainterPath shape = trayDigits(text);
     const QRectF bounds = shape.boundingRect();
     if (bounds.isEmpty()) return {};
     const double scale = std::min(room.width() / bounds.width(), room.height() / bounds.height());
@@ -55,7 +50,7 @@ QImage TrayPicture::image(int size) const
     const int symbolSize = static_cast<int>(std::round(size * 0.70));
     const int overlap = static_cast<int>(std::round(symbolSize * 0.07));
     painter.drawPixmap((size - symbolSize) / 2, -overlap, symbolPixmap(symbol, symbolSize, colour, 1.0));
-    const QPainterPath shape = textShape(toQString(badge), {0.5, size - textHeight - 0.5, size - 1.0, textHeight});
+    const QPainterPath shape = badgeShape(badge, {0.5, size - textHeight - 0.5, size - 1.0, textHeight});
     painter.fillPath(shape, trayColour(Tint::primary));
     return result;
 }
