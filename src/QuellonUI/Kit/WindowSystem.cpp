@@ -47,4 +47,9 @@ bool canPlaceWindows()
     return !QGuiApplication::platformName().startsWith(QLatin1String{"wayland"});
 }
 
+bool seesPointerEverywhere()
+{
+    return !qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+}
+
 } // namespace quellon

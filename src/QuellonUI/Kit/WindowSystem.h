@@ -7,5 +7,8 @@ namespace quellon {
 [[nodiscard]] bool hasCompositor();
 /// Whether a program may say where its windows stand: not on Wayland.
 [[nodiscard]] bool canPlaceWindows();
+/// Whether the place of the pointer is known wherever it is: in a session of Wayland only over windows of X11 programs,
+/// or over our own.
+[[nodiscard]] bool seesPointerEverywhere();
 
 } // namespace quellon

@@ -5,7 +5,7 @@
 
 namespace quellon {
 
-QPoint trayAnchor(QPoint reported, QPoint cursor, const QList<QRect>& screens)
+QPoint trayAnchor(QPoint reported, QPoint cursor, bool isCursorCurrent, const QList<QRect>& screens)
 {
     const QPoint apart = reported - cursor;
     const bool isNearCursor = std::abs(apart.x()) <= trayNearness && std::abs(apart.y()) <= trayNearness;
@@ -13,7 +13,8 @@ QPoint trayAnchor(QPoint reported, QPoint cursor, const QList<QRect>& screens)
         const QMargins inset{trayNearness, trayNearness, trayNearness, trayNearness};
         return screen.contains(reported) && !screen.marginsRemoved(inset).contains(reported);
     };
-    return isNearCursor && std::any_of(screens.begin(), screens.end(), isAtEdge) ? reported : cursor;
+    const bool isLikely = isNearCursor || !isCursorCurrent;
+    return isLikely && std::any_of(screens.begin(), screens.end(), isAtEdge) ? reported : cursor;
 }
 
 } // namespace quellon

@@ -1,5 +1,6 @@
 #include "QuellonUI/Tray/TrayItem.h"
 
+#include "QuellonUI/Kit/WindowSystem.h"
 #include "QuellonUI/Tray/TrayAnchor.h"
 
 #include <QCursor>
@@ -42,7 +43,7 @@ void TrayItem::onReported(QPoint reported)
 {
     QList<QRect> screens;
     for (const QScreen* const screen : QGuiApplication::screens()) screens.append(screen->geometry());
-    Q_EMIT activated(trayAnchor(reported, QCursor::pos(), screens));
+    Q_EMIT activated(trayAnchor(reported, QCursor::pos(), seesPointerEverywhere(), screens));
 }
 
 void TrayItem::update()

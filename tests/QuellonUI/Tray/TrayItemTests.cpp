@@ -295,8 +295,16 @@ TEST(TrayAnchor, whomToTrust)
         {"not near the edge", {1201, 64}, {1201, 64}, {1201, 64}},
         {"not near the cursor", {1201, 14}, {1201, 79}, {1201, 79}},
     };
-    for (const auto& c : cases) { EXPECT_EQ(trayAnchor(c.reported, c.cursor, screens), c.anchor) << c.name; }
-    EXPECT_EQ(trayAnchor({10, 10}, {12, 12}, {}), QPoint(12, 12)) << "no screen";
+    for (const auto& c : cases) { EXPECT_EQ(trayAnchor(c.reported, c.cursor, true, screens), c.anchor) << c.name; }
+    EXPECT_EQ(trayAnchor({10, 10}, {12, 12}, true, {}), QPoint(12, 12)) << "no screen";
+}
+
+TEST(TrayAnchor, aCursorThatWasSeenLongAgo)
+{
+    const QList<QRect> screens{{0, 0, 1280, 800}};
+    EXPECT_EQ(trayAnchor({1201, 790}, {300, 200}, false, screens), QPoint(1201, 790));
+    EXPECT_EQ(trayAnchor({640, 400}, {300, 200}, false, screens), QPoint(300, 200)) << "where no tray is";
+    EXPECT_EQ(trayAnchor({2402, 28}, {300, 200}, false, screens), QPoint(300, 200)) << "outside of every screen";
 }
 
 } // namespace
