@@ -17,6 +17,7 @@
 #include "QuellonUI/Theme.h"
 
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QScreen>
 #include <QShortcut>
 #include <QStackedWidget>
@@ -144,7 +145,7 @@ void SettingsWindow::showSheet(Sheet*& sheet, Content*& content, const Model* mo
     }
     content->setModel(*model);
     if (isNew) FocusOrder::follow(*this);
-    sheet->setAccessibleName(content->windowTitle());
+    if (sheet->accessibleName() != content->windowTitle()) sheet->setAccessibleName(content->windowTitle());
     sheet->present(content->firstControl());
 }
 
@@ -198,6 +199,15 @@ bool SettingsWindow::event(QEvent* event)
     // The fonts, and with them the width, are the user's.
     if (event->type() == QEvent::ApplicationFontChange) fitScreen();
     return QWidget::event(event);
+}
+
+void SettingsWindow::keyPressEvent(QKeyEvent* event)
+{
+    // What had the focus in a sheet may be gone.
+    if (event->key() == Qt::Key_Escape && !ends().empty())
+        escape();
+    else
+        QWidget::keyPressEvent(event);
 }
 
 void SettingsWindow::closeEvent(QCloseEvent* event)

@@ -258,6 +258,21 @@ TEST_F(SettingsWindowTest, aSheetGoesWhenItsPageDoes)
     EXPECT_TRUE(QApplication::focusWidget()->isVisible());
 }
 
+TEST_F(SettingsWindowTest, escapeEndsASheetThatHasLostTheFocus)
+{
+    view.open(SettingsTab::plan);
+    view.does(OpenDetails{"helperd"});
+    view.refresh();
+    settleEvents();
+    QApplication::focusWidget()->clearFocus();
+    QKeyEvent escape{QEvent::KeyPress, Qt::Key_Escape, {}};
+    QApplication::sendEvent(&view.window, &escape);
+    EXPECT_EQ(view.engine.detailApp(), std::nullopt);
+    QKeyEvent another{QEvent::KeyPress, Qt::Key_Escape, {}};
+    QApplication::sendEvent(&view.window, &another);
+    EXPECT_TRUE(view.window.isVisible()) << "the window itself stays";
+}
+
 TEST_F(SettingsWindowTest, aSheetKeepsTheMouseToItself)
 {
     view.open(SettingsTab::plan);
