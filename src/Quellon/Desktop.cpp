@@ -8,6 +8,7 @@
 #include "QuellonCore/Presentation/OnboardingModel.h"
 #include "QuellonUI/Kit/Appearance.h"
 
+#include <QApplication>
 #include <QDesktopServices>
 #include <QGuiApplication>
 #include <QProcess>
@@ -68,8 +69,13 @@ Desktop::Desktop(GuardEngine& engine, NotificationFeed& notifications, AboutMode
       notifications_(notifications)
 {
     connect();
+    // Where toasts can't be shown, nothing is known to reach the user before the notification service was asked.
+    if (!ToastScreen::canShow()) engine_.setNotificationCapability({false, false, false});
     launch_ = runLoop().after(Seconds{0.0}, [this] { launch(); });
-    trayPatience_ = runLoop().after(DesktopNotices::trayPatience, [this] { tellOfAbsentTray(); });
+    trayPatience_ = runLoop().after(DesktopNotices::trayPatience, [this] {
+        trayPatience_.reset();
+        tellOfAbsentTray();
+    });
     refresh();
 }
 
@@ -77,10 +83,15 @@ void Desktop::connect()
 {
     QObject::connect(&tray_, &TrayItem::activated, &tray_, [this](const QPoint& anchor) { togglePanel(anchor); });
     QObject::connect(&tray_, &TrayItem::chosen, &tray_, [this](TrayCommand command) { choose(command); });
+    QObject::connect(&tray_, &TrayItem::availabilityChanged, &tray_, [this] { tellOfAbsentTray(); });
     QObject::connect(&toastScreen_, &ToastScreen::pressed, &toastScreen_,
                      [this](std::uint64_t id, std::size_t button) { toasts_.press(id, button); });
     QObject::connect(&toastScreen_, &ToastScreen::closed, &toastScreen_,
                      [this](std::uint64_t id) { toasts_.close(id); });
+    // The notification service has it, too; what is on the screen asks for attention without taking the focus.
+    QObject::connect(&toastScreen_, &ToastScreen::missed, &toastScreen_, [] {
+        for (QWidget* const window : QApplication::topLevelWidgets()) QApplication::alert(window);
+    });
     notifier_.onCapabilityChange = [this](NotificationCapability capability) {
         // Where toasts can't be shown they are no channel, and nothing is to be done that the user isn't told of.
         capability.inAppChannelAvailable = capability.inAppChannelAvailable && ToastScreen::canShow();
@@ -168,12 +179,13 @@ void Desktop::refreshTimes()
 
 void Desktop::showPanel()
 {
-    const QRect free = QGuiApplication::primaryScreen()->availableGeometry();
-    openPanel(free.topRight());
+    const bool isThere = lastAnchor_ && QGuiApplication::screenAt(*lastAnchor_) != nullptr;
+    openPanel(isThere ? *lastAnchor_ : QGuiApplication::primaryScreen()->availableGeometry().topRight());
 }
 
 void Desktop::togglePanel(const QPoint& anchor)
 {
+    lastAnchor_ = anchor;
     if (panel_ && panel_->isVisible())
         dismissPanel();
     else if (!panel_ || !panel_->closedJustNow())
@@ -232,7 +244,9 @@ void Desktop::showToasts()
 
 void Desktop::tellOfAbsentTray()
 {
-    if (tray_.availability() == TrayItem::Availability::none) notifications_.deliver(DesktopNotices::noTray());
+    if (trayPatience_ || toldOfAbsentTray_ || tray_.availability() != TrayItem::Availability::none) return;
+    toldOfAbsentTray_ = true;
+    notifications_.deliver(DesktopNotices::noTray());
 }
 
 } // namespace quellon

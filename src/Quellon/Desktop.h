@@ -20,6 +20,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,7 +37,7 @@ public:
     Desktop(const Desktop&) = delete;
     Desktop& operator=(const Desktop&) = delete;
 
-    /// Brings the panel up where the tray item, if any, can't be told: in the corner where trays are.
+    /// Brings the panel up where the tray item was clicked last; before that, in the corner where trays are.
     void showPanel();
 
 private:
@@ -60,7 +61,9 @@ private:
     GuardEngine::Observation observation_;
     NotificationFeed& notifications_;
     RunLoop::Handle launch_;
-    RunLoop::Handle trayPatience_;
+    RunLoop::Handle trayPatience_; ///< While it stands, the tray may still come.
+    bool toldOfAbsentTray_ = false;
+    std::optional<QPoint> lastAnchor_;
     RunLoop::Handle trayChange_; ///< When the tray item changes by itself.
     RunLoop::Handle times_;      ///< While something is on the screen that tells how long ago something was.
 

@@ -11,6 +11,7 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QSessionManager>
 
 #include <array>
 #include <cstdio>
@@ -68,9 +69,11 @@ private:
 }
 
 /// The toolkit ends the process when it can't reach the display; before it does, it says so here.
-void whileConnecting(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*message*/)
+void whileConnecting(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message)
 {
-    if (type == QtFatalMsg) beginWithoutDisplay();
+    if (type != QtFatalMsg) return;
+    std::fprintf(stderr, "%s\n", message.toUtf8().constData());
+    beginWithoutDisplay();
 }
 
 } // namespace
@@ -98,6 +101,13 @@ int run(char** arguments, const ProgramOptions& options)
     Accessibility::install();
     // There need not be a window: the guard goes on in the tray.
     QApplication::setQuitOnLastWindowClosed(false);
+
+    // The desktop's autostart is what starts the program with a session; a session manager would do so once more, with
+    // options of its own.
+    for (const auto request : {&QGuiApplication::commitDataRequest, &QGuiApplication::saveStateRequest}) {
+        QObject::connect(&application, request, &application,
+                         [](QSessionManager& manager) { manager.setRestartHint(QSessionManager::RestartNever); });
+    }
 
     const SingleInstance instance;
     if (instance.isAlreadyRunning()) return ExitStatus::success;

@@ -80,6 +80,7 @@ DesktopNotification DesktopNotification::of(const NotificationRequest& request,
     result.body = bodyOf(request, server.can("body-markup"));
     result.actions = actionsOf(buttons, server);
     result.category = request.category;
+    result.urgency = persistent ? Urgency::critical : Urgency::normal;
     result.expireTimeout = persistent ? untilAnswered : asServerChooses;
     if (persistent && server.can("sound")) result.soundName = "message-new-instant";
     result.suppressSound = !persistent;

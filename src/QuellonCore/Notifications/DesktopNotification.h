@@ -60,8 +60,9 @@ struct DesktopNotification {
     /// more button, so there the button "Show details" does for both. A server that can't show buttons gets none, as
     /// some open a dialogue that takes the focus instead.
     ///
-    /// A persistent notification stays until it is answered, with a sound; the urgency of both styles is `normal`:
-    /// servers show `low` without a banner or not at all, and `critical` also to those who asked not to be disturbed.
+    /// A persistent notification stays until it is answered, with a sound, and is `critical`: a question is
+    /// time-sensitive, and servers show that also to those who asked not to be disturbed. A transient one is `normal`,
+    /// since servers show `low` without a banner or not at all.
     [[nodiscard]] static DesktopNotification of(const NotificationRequest& request,
                                                 const std::vector<NotificationCategory::Button>& buttons,
                                                 const NotificationServer& server);

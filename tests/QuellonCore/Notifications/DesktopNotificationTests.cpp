@@ -111,7 +111,7 @@ TEST(DesktopNotification, style)
 {
     auto asked = request("x");
     const auto persistent = DesktopNotification::of(asked, asking, server({"actions", "sound"}));
-    EXPECT_EQ(persistent.urgency, DesktopNotification::Urgency::normal);
+    EXPECT_EQ(persistent.urgency, DesktopNotification::Urgency::critical);
     EXPECT_EQ(persistent.expireTimeout, 0) << "never";
     EXPECT_EQ(persistent.soundName, "message-new-instant");
     EXPECT_FALSE(persistent.suppressSound);
