@@ -18,7 +18,7 @@ constexpr int symbolGap = 6;
 LinkButton::LinkButton(const QFont& font, QWidget* parent) : Pressable(parent)
 {
     setFont(font);
-    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
 }
 
 void LinkButton::setTint(Tint tint)

@@ -1,6 +1,7 @@
 #include "QuellonUI/Kit/MenuButton.h"
 
 #include "QuellonUI/Kit/Symbol.h"
+#include "QuellonUI/Kit/ToolTipText.h"
 #include "QuellonUI/Theme.h"
 
 #include <QAccessibleWidget>
@@ -108,7 +109,7 @@ QSize MenuButton::minimumSizeHint() const
 bool MenuButton::event(QEvent* event)
 {
     if (event->type() == QEvent::ToolTip && shownTitle() != title()) {
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), title(), this);
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), toolTipOf(title()), this);
         return true;
     }
     return Pressable::event(event);

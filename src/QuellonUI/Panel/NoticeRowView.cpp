@@ -1,5 +1,6 @@
 #include "QuellonUI/Panel/NoticeRowView.h"
 
+#include "QuellonUI/Kit/FlowLayout.h"
 #include "QuellonUI/Kit/Paragraph.h"
 #include "QuellonUI/Kit/Symbol.h"
 #include "QuellonUI/Panel/PanelLayout.h"
@@ -25,7 +26,7 @@ NoticeRowView::NoticeRowView(QWidget* parent)
       title_(new Paragraph{Fonts::subheadline(), this}),
       text_(new Paragraph{Fonts::caption(), this}),
       steps_(new Paragraph{Fonts::caption(), this}),
-      buttonLayout_(new QHBoxLayout)
+      buttonLayout_(new FlowLayout{buttonGap, PanelLayout::textSpacing})
 {
     text_->setTint(MenuPanelModel::quietTint);
     steps_->hide();
@@ -37,8 +38,6 @@ NoticeRowView::NoticeRowView(QWidget* parent)
     // The text of the first link stands below the text above it.
     constexpr int indent = PanelLayout::reach + symbolSide + symbolGap - LinkButton::sidePadding;
     buttonLayout_->setContentsMargins(indent, 0, PanelLayout::reach - LinkButton::sidePadding, 0);
-    buttonLayout_->setSpacing(buttonGap);
-    buttonLayout_->addStretch(1);
     auto* const upper = new QHBoxLayout;
     upper->setContentsMargins(PanelLayout::reach, 0, PanelLayout::reach, 0);
     upper->setSpacing(symbolGap);
@@ -68,7 +67,7 @@ void NoticeRowView::showButtons()
     while (buttons_.size() < model_.buttons.size()) {
         auto* const button = new PanelLink{Fonts::callout(), this};
         connect(button, &PanelLink::acted, this, &NoticeRowView::acted);
-        buttonLayout_->insertWidget(static_cast<int>(buttons_.size()), button);
+        buttonLayout_->addWidget(button);
         buttons_.push_back(button);
     }
     for (std::size_t i = 0; i < buttons_.size(); ++i) {

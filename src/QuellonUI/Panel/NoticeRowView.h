@@ -7,10 +7,9 @@
 #include <optional>
 #include <vector>
 
-class QHBoxLayout;
-
 namespace quellon {
 
+class FlowLayout;
 class Paragraph;
 class PanelLink;
 class SymbolLabel;
@@ -35,7 +34,7 @@ private:
     Paragraph* title_;
     Paragraph* text_;
     Paragraph* steps_;
-    QHBoxLayout* buttonLayout_;
+    FlowLayout* buttonLayout_;
     std::vector<PanelLink*> buttons_; ///< As many as were ever needed.
 
     void showButtons();

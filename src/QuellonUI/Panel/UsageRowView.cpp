@@ -5,6 +5,7 @@
 #include "QuellonUI/Kit/Paragraph.h"
 #include "QuellonUI/Kit/Symbol.h"
 #include "QuellonUI/Kit/TextLabel.h"
+#include "QuellonUI/Kit/ToolTipText.h"
 #include "QuellonUI/Panel/PanelLayout.h"
 #include "QuellonUI/Panel/PanelLink.h"
 #include "QuellonUI/Symbols.h"
@@ -106,7 +107,7 @@ bool UsageRowButton::showHelp(const QPoint& at, const QPoint& global)
     else if (name_->shownText() != name_->text())
         text = name_->text();
     if (text.isEmpty()) return false;
-    QToolTip::showText(global, text, this);
+    QToolTip::showText(global, toolTipOf(text), this);
     return true;
 }
 

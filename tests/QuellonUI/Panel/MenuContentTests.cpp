@@ -2,8 +2,12 @@
 
 #include "QuellonUI/Kit/StatusDot.h"
 #include "QuellonUI/Kit/Symbol.h"
+#include "QuellonUI/Kit/ToolTipText.h"
 #include "QuellonUI/Panel/HeaderView.h"
 #include "QuellonUI/Panel/UsageRowView.h"
+
+#include <QHelpEvent>
+#include <QToolTip>
 
 #include <optional>
 
@@ -347,6 +351,32 @@ TEST_F(MenuContentTest, textIsNeverMarkup)
     for (QLabel* const each : panel.findChildren<QLabel*>()) EXPECT_EQ(each->textFormat(), Qt::PlainText);
     EXPECT_THAT(texts(), Contains("<b>bold</b><img src=x>"));
     EXPECT_EQ(label("<b>bold</b><img src=x>")->shownText(), QStringLiteral("<b>bold</b><img src=x>"));
+}
+
+TEST_F(MenuContentTest, toolTipsOfRows)
+{
+    auto model = guarding();
+    const std::string name = "<b>an application</b> with a name that does not fit in one line & more";
+    model.usage.rows[0] = usageRow(name, "61.3 MB", 0.8);
+    model.usage.rows[0].chronicBadge = "🐌";
+    model.usage.rows[0].chronicHelp = "Slow but steady — high usage over the long window";
+    open(model);
+    const auto toolTipAt = [](QAbstractButton& row, const QPoint& at) {
+        QHelpEvent help{QEvent::ToolTip, at, row.mapToGlobal(at)};
+        QApplication::sendEvent(&row, &help);
+        return help.isAccepted() ? QToolTip::text() : QString{};
+    };
+    QAbstractButton* const first = button("Explain " + name);
+    ASSERT_NE(first, nullptr);
+    TextLabel* const badge = label("🐌");
+    ASSERT_NE(badge, nullptr);
+    EXPECT_EQ(toolTipAt(*first, badge->mapTo(first, badge->rect().center())),
+              toQString("Slow but steady — high usage over the long window"));
+    EXPECT_EQ(toolTipAt(*first, QPoint{30, 10}), toolTipOf(toQString(name)));
+    EXPECT_EQ(label("apt")->shownText(), label("apt")->text());
+    QAbstractButton* const other = button("Explain apt");
+    EXPECT_EQ(toolTipAt(*other, QPoint{30, 10}), QString{}) << "all of it can be seen";
+    QToolTip::hideText();
 }
 
 TEST_F(MenuContentTest, ampersandsAreShown)

@@ -1,5 +1,6 @@
 #include "PanelTest.h"
 
+#include "QuellonUI/Kit/LinkButton.h"
 #include "QuellonUI/Panel/ProfileMenu.h"
 
 #include <QAction>
@@ -95,27 +96,47 @@ TEST_F(MenuPanelTest, heightFollowsTheContentAtOnce)
     }
 }
 
+/// Whether each text that can be seen has the room that it needs.
+void expectRoomForAll(const QWidget& panel)
+{
+    for (const QLabel* const each : panel.findChildren<QLabel*>()) {
+        if (!each->isVisible()) continue;
+        const int needed = each->wordWrap() ? each->heightForWidth(each->width()) : each->sizeHint().height();
+        EXPECT_GE(each->height(), needed) << each->text().toStdString();
+    }
+    for (const TextRuns* const each : panel.findChildren<TextRuns*>()) {
+        if (!each->isVisible()) continue;
+        EXPECT_GE(each->height(), each->heightForWidth(each->width())) << each->text().toStdString();
+    }
+    for (const QAbstractButton* const each : panel.findChildren<QAbstractButton*>()) {
+        if (!each->isVisible()) continue;
+        EXPECT_GE(each->height(), each->sizeHint().height()) << each->text().toStdString();
+        EXPECT_LE(each->mapTo(&panel, QPoint{each->width(), 0}).x(), panel.width()) << each->text().toStdString();
+    }
+    for (const LinkButton* const each : panel.findChildren<LinkButton*>()) {
+        if (!each->isVisible()) continue;
+        EXPECT_GE(each->width(), each->sizeHint().width()) << each->text().toStdString();
+    }
+}
+
 TEST_F(MenuPanelTest, noTextIsCutOff)
 {
-    for (const auto& [name, model] : all()) {
-        SCOPED_TRACE(name);
-        open(model);
-        for (QLabel* const each : panel.findChildren<QLabel*>()) {
-            if (!each->isVisible()) continue;
-            const bool wraps = each->wordWrap();
-            const int needed = wraps ? each->heightForWidth(each->width()) : each->sizeHint().height();
-            EXPECT_GE(each->height(), needed) << each->text().toStdString();
-        }
-        for (TextRuns* const each : panel.findChildren<TextRuns*>()) {
-            if (!each->isVisible()) continue;
-            EXPECT_GE(each->height(), each->heightForWidth(each->width())) << each->text().toStdString();
-        }
-        for (QAbstractButton* const each : panel.findChildren<QAbstractButton*>()) {
-            if (!each->isVisible()) continue;
-            EXPECT_GE(each->height(), each->sizeHint().height()) << nameOf(*each);
-            EXPECT_LE(each->mapTo(&panel, QPoint{each->width(), 0}).x(), panel.width()) << nameOf(*each);
+    const QFont usual = QApplication::font();
+    for (const double points : {usual.pointSizeF(), 11.0, 14.0, 18.0}) {
+        QFont font = usual;
+        font.setPointSizeF(points);
+        QApplication::setFont(font);
+        MenuPanel sized;
+        for (const auto& [name, model] : all()) {
+            SCOPED_TRACE(fmt::format("{}, {} pt", name, points));
+            sized.setModel(model);
+            sized.openAt({600, 5}, {0, 0, 800, 2000});
+            letItHappen();
+            EXPECT_EQ(sized.width(), 340);
+            expectRoomForAll(sized);
         }
     }
+    QApplication::setFont(usual);
 }
 
 TEST_F(MenuPanelTest, escapeClosesFromEverywhere)
