@@ -1,3 +1,5 @@
+#include "QuellonUI/Kit/Accessibility.h"
+
 #include <QApplication>
 
 #include <gtest/gtest.h>
@@ -9,5 +11,6 @@ int main(int argc, char** argv)
     testing::InitGoogleTest(&argc, argv);
     QApplication application{argc, argv};
     QApplication::setStyle(QStringLiteral("Fusion"));
+    quellon::Accessibility::install();
     return RUN_ALL_TESTS();
 }

@@ -21,7 +21,7 @@ CURL = r"curl/.+"
 QT = r"Q[A-Z]\w+|Qt[A-Z]\w*/.+"
 XCB = r"xcb/xcb\.h"
 CURSES = r"(ncursesw/)?(n?curses|term)\.h"
-POSIX = (r"(dirent|errno|fcntl|fnmatch|grp|ifaddrs|langinfo|limits|locale|net/if|netdb|poll|pthread|pwd|sched|semaphore"
+POSIX = (r"(dirent|dlfcn|errno|fcntl|fnmatch|grp|ifaddrs|langinfo|limits|locale|net/if|netdb|poll|pthread|pwd|sched|semaphore"
          r"|signal|spawn|stdint|stdio|stdlib|string|strings|syslog|termios|time|unistd|wchar|wordexp|arpa/inet"
          r"|netinet/(in|tcp)|sys/(file|ioctl|ipc|mman|resource|select|socket|stat|statvfs|time|types|uio|un|utsname|wait)"
          r")\.h")

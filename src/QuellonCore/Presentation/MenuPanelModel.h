@@ -87,6 +87,8 @@ struct MenuPanelModel {
         bool operator==(const Paused&) const = default;
     };
 
+    /// Of the window that it is, for those who don't see it.
+    static constexpr std::string_view windowTitle = "Quellon";
     /// Of what matters less: the header's detail, the switcher, the limit, what the plan still holds, and what an
     /// application is.
     static constexpr Tint quietTint = Tint::secondary;

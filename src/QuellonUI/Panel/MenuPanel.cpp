@@ -44,7 +44,7 @@ QAbstractSlider::SliderAction scrolls(int key)
 
 MenuPanel::MenuPanel() : isPlaced_(canPlaceWindows())
 {
-    setWindowTitle(QStringLiteral("Quellon"));
+    setWindowTitle(toQString(MenuPanelModel::windowTitle));
     setAccessibleName(windowTitle());
     if (isPlaced_) {
         setWindowFlags(Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint);

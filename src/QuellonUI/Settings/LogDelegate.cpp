@@ -7,9 +7,9 @@
 #include <QPainter>
 #include <QTextLayout>
 #include <QWidget>
-#include <QtMath>
 
 #include <algorithm>
+#include <cmath>
 
 namespace quellon {
 
@@ -83,7 +83,7 @@ int LogDelegate::layOut(QTextLayout& layout) const
         height += line.height();
     }
     layout.endLayout();
-    return qCeil(height);
+    return static_cast<int>(std::ceil(height));
 }
 
 int LogDelegate::messageHeight(const QString& message) const

@@ -193,7 +193,7 @@ TEST_F(DesktopNotificationCenterTest, notify)
     const auto hints = qdbus_cast<QVariantMap>(arguments[6]);
     EXPECT_EQ(hints.size(), 4);
     EXPECT_EQ(hints[QStringLiteral("urgency")].typeId(), QMetaType::UChar) << "servers take no other number";
-    EXPECT_EQ(hints[QStringLiteral("urgency")].toUInt(), 1U);
+    EXPECT_EQ(hints[QStringLiteral("urgency")].toUInt(), 2U);
     EXPECT_EQ(hints[QStringLiteral("desktop-entry")].toString(), QStringLiteral("org.quellon.Quellon"));
     EXPECT_EQ(hints[QStringLiteral("category")].toString(), QStringLiteral("ql.suspend.view"));
     EXPECT_EQ(hints[QStringLiteral("sound-name")].toString(), QStringLiteral("message-new-instant"));
