@@ -5,7 +5,9 @@
 #include <QAbstractItemView>
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QApplication>
 #include <QComboBox>
+#include <QMenu>
 
 namespace quellon::Accessibility {
 
@@ -60,10 +62,40 @@ private:
     QComboBox& box_;
 };
 
+/// A window. The toolkit shows no menus that are open; here they come last.
+class WindowAccessible final : public QAccessibleWidget {
+public:
+    explicit WindowAccessible(QWidget& window) : QAccessibleWidget(&window, QAccessible::Window) {}
+
+    [[nodiscard]] int childCount() const override
+    {
+        return QAccessibleWidget::childCount() + (openMenu() == nullptr ? 0 : 1);
+    }
+    [[nodiscard]] QAccessibleInterface* child(int index) const override
+    {
+        if (index != QAccessibleWidget::childCount()) return QAccessibleWidget::child(index);
+        return QAccessible::queryAccessibleInterface(openMenu());
+    }
+    [[nodiscard]] int indexOfChild(const QAccessibleInterface* child) const override
+    {
+        const auto* const menu = openMenu();
+        if (menu != nullptr && child->object() == menu) return QAccessibleWidget::childCount();
+        return QAccessibleWidget::indexOfChild(child);
+    }
+
+private:
+    [[nodiscard]] QMenu* openMenu() const
+    {
+        auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        const auto* const owner = menu == nullptr ? nullptr : menu->parentWidget();
+        return owner != nullptr && owner->window() == widget() ? menu : nullptr;
+    }
+};
+
 /// A plain widget: a window, a part with a name, or one that only lays out others, which is left to the toolkit.
 QAccessibleInterface* plainInterface(QWidget& widget)
 {
-    if (widget.isWindow()) return new QAccessibleWidget{&widget, QAccessible::Window};
+    if (widget.isWindow()) return new WindowAccessible{widget};
     if (!widget.accessibleName().isEmpty()) return new QAccessibleWidget{&widget, QAccessible::Grouping};
     return nullptr;
 }

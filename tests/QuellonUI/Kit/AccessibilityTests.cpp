@@ -6,6 +6,7 @@
 #include <QAccessible>
 #include <QComboBox>
 #include <QLabel>
+#include <QMenu>
 #include <gtest/gtest.h>
 
 namespace quellon {
@@ -31,6 +32,30 @@ TEST_F(AccessibilityTest, windowsAreWindows)
     window.setWindowTitle(QStringLiteral("Settings"));
     EXPECT_EQ(role(window), QAccessible::Window);
     EXPECT_EQ(text(window, QAccessible::Name), QStringLiteral("Settings"));
+}
+
+TEST_F(AccessibilityTest, openMenusAreInTheirWindow)
+{
+    QWidget window;
+    QWidget other;
+    QLabel label{&window};
+    QMenu menu{&label};
+    menu.addAction(QStringLiteral("Travel SIM"));
+    window.show();
+    QAccessibleInterface* const seen = QAccessible::queryAccessibleInterface(&window);
+    EXPECT_EQ(seen->childCount(), 1);
+    menu.popup({});
+    ASSERT_EQ(seen->childCount(), 2);
+    QAccessibleInterface* const last = seen->child(1);
+    EXPECT_EQ(last->role(), QAccessible::PopupMenu);
+    EXPECT_EQ(last->child(0)->text(QAccessible::Name), QStringLiteral("Travel SIM"));
+    EXPECT_EQ(seen->indexOfChild(last), 1);
+    EXPECT_EQ(seen->child(0)->object(), &label);
+    EXPECT_EQ(seen->child(2), nullptr);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&other)->childCount(), 0);
+    menu.hide();
+    EXPECT_EQ(seen->childCount(), 1);
+    EXPECT_EQ(seen->child(1), nullptr);
 }
 
 TEST_F(AccessibilityTest, partsBelongTogether)
