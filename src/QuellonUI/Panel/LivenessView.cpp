@@ -5,6 +5,7 @@
 #include "QuellonUI/Panel/PanelLayout.h"
 #include "QuellonUI/Theme.h"
 
+#include <QFontMetrics>
 #include <QHBoxLayout>
 
 #include <algorithm>
@@ -13,7 +14,7 @@ namespace quellon {
 
 namespace {
 
-constexpr int spacing = 2;
+constexpr int leastSpacing = 2;
 constexpr int symbolSide = 13;
 
 } // namespace
@@ -22,7 +23,8 @@ LivenessView::LivenessView(QWidget* parent)
     : QWidget(parent), layout_(new QHBoxLayout{this}), symbol_(new SymbolLabel{symbolSide, this})
 {
     layout_->setContentsMargins(PanelLayout::reach, 0, PanelLayout::reach, 0);
-    layout_->setSpacing(spacing);
+    const int blank = QFontMetrics{Fonts::caption2()}.horizontalAdvance(QLatin1Char{' '});
+    layout_->setSpacing(std::max(blank, leastSpacing));
     layout_->addWidget(symbol_);
     layout_->addStretch(1);
     symbol_->hide();
