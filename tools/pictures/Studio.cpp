@@ -23,8 +23,9 @@ void report(QtMsgType type, const QMessageLogContext& context, const QString& me
 
 void prepare(double scale)
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    qputenv("FONTCONFIG_FILE", QUELLON_PICTURES_FONTS);
+    // A screen with room for every window at every scale: on a smaller one they would shrink.
+    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" QUELLON_PICTURES "/screen.json");
+    qputenv("FONTCONFIG_FILE", QUELLON_PICTURES "/fonts.conf");
     qputenv("QT_FONT_DPI", "96");
     qputenv("QT_SCALE_FACTOR", QByteArray::number(scale));
     qputenv("LC_ALL", "C.UTF-8");
