@@ -42,7 +42,7 @@ def reporting(function):
 
 def controls(root) -> list:
     """What can be seen and used below `root`, by role and name, in the order of the tree."""
-    return [(each.role, each.name) for each in root.all(where=lambda it: it.role in CONTROLS and it.has("showing"))]
+    return [(each.role, each.name) for each in root.all(where=lambda it: it.role in CONTROLS)]
 
 
 class DesktopCase(unittest.TestCase):
@@ -118,7 +118,7 @@ class DesktopCase(unittest.TestCase):
         self.wait_until(self.is_panel_open, "the program's panel")
 
     def is_panel_open(self) -> bool:
-        return self.quellon.tree.find("push button", "Quit Quellon", lambda it: it.has("showing")) is not None
+        return self.quellon.tree.find("push button", "Quit Quellon") is not None
 
     def tab_to(self, name: str, backwards: bool = False):
         """Presses Tab until the control of this name has the keyboard; the names of those on the way."""

@@ -13,7 +13,9 @@ WINDOWS = ("application", "frame", "window", "dialog", "filler", "panel")
 
 
 class Control:
-    """A control, or whatever else has a place in the tree. What is asked for is asked anew, nothing is remembered."""
+    """A control, or whatever else has a place in the tree. What is asked for is asked anew, nothing is remembered. What
+    is looked for below it is looked for among what can be seen.
+    """
 
     def __init__(self, accessible: Atspi.Accessible):
         self.accessible = accessible
@@ -91,18 +93,18 @@ class Control:
             raise AssertionError(f"{self!r} takes no text")
 
     def everything(self) -> list:
-        """The control and all below it, in order; what goes away meanwhile is left out."""
+        """The control and all below it that can be seen, in order; what goes away meanwhile is left out."""
         found = [self]
         try:
-            children = self.children
+            for child in self.children:
+                if child.has("showing"):
+                    found += child.everything()
         except GLib.Error:
-            return found
-        for child in children:
-            found += child.everything()
+            pass
         return found
 
     def all(self, role: str = "", name: str = "", where=None) -> list:
-        """All below, itself included, with this role, this name, and for which `where` is true."""
+        """Of these, all with this role, this name, and for which `where` is true."""
         return [control for control in self.everything() if matches(control, role, name, where)]
 
     def find(self, role: str = "", name: str = "", where=None):
@@ -110,7 +112,9 @@ class Control:
         return next(iter(self.all(role, name, where)), None)
 
     def wait_for(self, role: str = "", name: str = "", where=None, seconds: float = 20.0) -> "Control":
-        return wait_until(lambda: self.find(role, name, where), lambda: f"{role} \"{name}\" in\n{self.outline()}", seconds)
+        def what():
+            return f"{role} \"{name}\" in\n{self.outline()}"
+        return wait_until(lambda: self.find(role, name, where), what, seconds)
 
     def wait_for_none(self, role: str = "", name: str = ""):
         wait_until(lambda: self.find(role, name) is None, f"the end of {role} \"{name}\"")
@@ -120,7 +124,7 @@ class Control:
         return next(iter(reversed(self.all(where=lambda it: it.has("focused") and it.role not in WINDOWS))), None)
 
     def outline(self, depth: int = 0) -> str:
-        """The tree as text, a line for each."""
+        """The tree as text, a line for each, what can't be seen among them."""
         line = "  " * depth + repr(self)
         try:
             return "\n".join([line, *(child.outline(depth + 1) for child in self.children)])
