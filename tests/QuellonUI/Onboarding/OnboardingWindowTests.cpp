@@ -149,7 +149,7 @@ TEST_F(OnboardingWindowTest, keyboardAlone)
 
 TEST_F(OnboardingWindowTest, anEqualModelPaintsNothing)
 {
-    PaintCounter painted{window};
+    WindowPaintCounter painted{window};
     painted.restart();
     refresh();
     settleEvents();

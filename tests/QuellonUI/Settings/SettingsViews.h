@@ -76,9 +76,9 @@ inline void choose(QComboBox& box, int index)
 }
 
 /// Counts the paint events in a window.
-class PaintCounter final : public QObject {
+class WindowPaintCounter final : public QObject {
 public:
-    explicit PaintCounter(QWidget& root)
+    explicit WindowPaintCounter(QWidget& root)
     {
         root.installEventFilter(this);
         for (QWidget* const each : root.findChildren<QWidget*>()) each->installEventFilter(this);

@@ -175,7 +175,7 @@ TEST_F(SettingsWindowTest, anEqualModelPaintsNothing)
     for (const auto& row : settingsTabs.rows) {
         SCOPED_TRACE(row.raw);
         view.open(row.value);
-        PaintCounter painted{view.window};
+        WindowPaintCounter painted{view.window};
         painted.restart();
         view.refresh();
         settleEvents();
@@ -194,7 +194,7 @@ TEST_F(SettingsWindowTest, oneChangedTextLeavesTheRestAlone)
 {
     view.use(3'000 * mega);
     view.open(SettingsTab::plan);
-    PaintCounter painted{view.the<QWidget>("Monthly plan in gigabytes")};
+    WindowPaintCounter painted{view.the<QWidget>("Monthly plan in gigabytes")};
     painted.restart();
     auto model = view.model();
     std::get<PlanTabModel>(model.page).cycle->used.value = "9.99 GB (33%)";
