@@ -15,7 +15,8 @@ namespace {
 /// Says what Qt says, but for what goes without saying where there is no display.
 void report(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
-    if (message.startsWith(QStringLiteral("This plugin does not support"))) return;
+    for (const auto& usual : {QStringLiteral("This plugin does not support"), QStringLiteral("QStandardPaths:")})
+        if (message.startsWith(usual)) return;
     std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, message)));
 }
 
