@@ -128,8 +128,18 @@ class DesktopCase(unittest.TestCase):
             if focused and focused.name == name:
                 return passed
             passed.append(focused.name if focused else "")
-            self.screen.press("shift+Tab" if backwards else "Tab")
+            self.press_tab(focused, backwards)
         raise AssertionError(f"Tab does not reach \"{name}\", only {passed}")
+
+    def press_tab(self, focused, backwards: bool = False):
+        """Presses Tab and waits until another control than `focused` has the keyboard."""
+        before = focused and (focused.name, focused.area)
+
+        def is_elsewhere():
+            now = self.quellon.tree.focused()
+            return now is not None and (now.name, now.area) != before
+        self.screen.press("shift+Tab" if backwards else "Tab")
+        self.wait_until(is_elsewhere, "the keyboard at another control")
 
     def wait_until(self, condition, what: str, seconds: float = 20.0):
         return wait_until(condition, what, seconds)
