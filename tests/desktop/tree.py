@@ -9,7 +9,8 @@ from screen import Area  # noqa: E402
 from waiting import wait_until  # noqa: E402
 
 TIMEOUT = 5000
-WINDOWS = ("application", "frame", "window", "dialog", "filler", "panel")
+# What calls itself focused beside the control that has the keyboard: what it is in, and the current line of any list.
+BESIDE = ("application", "frame", "window", "dialog", "filler", "panel", "list item")
 
 
 class Control:
@@ -120,8 +121,8 @@ class Control:
         wait_until(lambda: self.find(role, name) is None, f"the end of {role} \"{name}\"")
 
     def focused(self):
-        """The control below that has the keyboard; None. Windows that hold it for a control of theirs don't count."""
-        return next(iter(reversed(self.all(where=lambda it: it.has("focused") and it.role not in WINDOWS))), None)
+        """The control below that has the keyboard; None."""
+        return next(iter(reversed(self.all(where=lambda it: it.has("focused") and it.role not in BESIDE))), None)
 
     def outline(self, depth: int = 0) -> str:
         """The tree as text, a line for each, what can't be seen among them."""
