@@ -77,12 +77,14 @@ void SettingsWindow::fitScreen()
 void SettingsWindow::setModel(const SettingsModel& model)
 {
     if (model == model_ && !expectsModel_) return;
+    const bool isOtherPage = model.page.index() != model_.page.index();
     expectsModel_ = false;
     model_ = model;
     tabs_->setModel(model_.tabs);
     std::visit([this](const auto& page) { showPage(page); }, model_.page);
     showSheets();
-    tabs_->followPage();
+    // Not at any other change: who goes from tab to tab is not to be taken back at each new number on the page.
+    if (isOtherPage) tabs_->followPage();
 }
 
 template <typename Page>

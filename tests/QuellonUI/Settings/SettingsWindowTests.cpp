@@ -82,6 +82,19 @@ TEST_F(SettingsWindowTest, theFocusFollowsAPageThatSomebodyElseOpens)
     EXPECT_EQ(focus(), "Log");
 }
 
+TEST_F(SettingsWindowTest, theFocusStaysOnATabWhenThePageChangesItsTexts)
+{
+    view.use(3'000 * mega);
+    view.open(SettingsTab::plan);
+    key(Qt::Key_Tab);
+    ASSERT_EQ(focus(), "Rules");
+    const SettingsModel before = view.model();
+    view.use(50 * mega);
+    ASSERT_NE(view.model(), before);
+    view.refresh();
+    EXPECT_EQ(focus(), "Rules");
+}
+
 /// Where Tab leads on each page, once round.
 TEST_F(SettingsWindowTest, keyboardAlone)
 {
