@@ -81,8 +81,12 @@ class DayCase(cases.DesktopCase):
 
     def panel(self):
         """The program's panel, opened at its tray item unless it is open."""
-        if not self.is_panel_open():
-            self.screen.click(self.icon())
+        def opened():
+            # The item moves when the daemon's own comes or goes, also between the look and the click.
+            if not self.is_panel_open():
+                self.screen.click(self.icon())
+            return self.is_panel_open()
+        self.wait_until(opened, "an open panel", 30)
         return self.user.window("Quellon")
 
     def notification(self, title: str):

@@ -9,8 +9,8 @@ from screen import Area  # noqa: E402
 from waiting import wait_until  # noqa: E402
 
 TIMEOUT = 5000
-# What calls itself focused beside the control that has the keyboard: what it is in, and the current line of any list.
-BESIDE = ("application", "frame", "window", "dialog", "filler", "panel", "list item")
+# What calls itself focused beside the control that has the keyboard: its window, and the current line of any list.
+BESIDE = ("application", "frame", "window", "list item")
 
 
 class Control:
@@ -121,7 +121,7 @@ class Control:
         wait_until(lambda: self.find(role, name) is None, f"the end of {role} \"{name}\"")
 
     def focused(self):
-        """The control below that has the keyboard; None."""
+        """The control below that has the keyboard: the innermost that says so; None."""
         return next(iter(reversed(self.all(where=lambda it: it.has("focused") and it.role not in BESIDE))), None)
 
     def outline(self, depth: int = 0) -> str:
