@@ -97,6 +97,22 @@ TEST(Pictures, eachNameOnce)
     EXPECT_GE(names.size(), 20U);
 }
 
+TEST(Pictures, thoseOfTheDocumentsAreKeptAndNoOthers)
+{
+    std::set<QString> names;
+    for (const Picture& picture : readmePictures()) {
+        SCOPED_TRACE(qPrintable(picture.name));
+        names.insert(picture.name + QStringLiteral(".png"));
+        const QImage drawn = picture.draw();
+        const int half = drawn.width() / 2;
+        EXPECT_GT(half, 300);
+        EXPECT_FALSE(Comparison::isSame(
+            Comparison::compare(drawn.copy(0, 0, half, drawn.height()), drawn.copy(half, 0, half, drawn.height()))));
+    }
+    const QStringList files = QDir{QStringLiteral(TEST_DATA "/../../docs/pictures")}.entryList(QDir::Files);
+    EXPECT_EQ((std::set<QString>{files.begin(), files.end()}), names) << "tools/make-pictures --readme";
+}
+
 TEST(Pictures, lightAndDarkDiffer)
 {
     for (const Picture& picture : pictures()) {

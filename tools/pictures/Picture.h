@@ -24,7 +24,7 @@ struct Picture {
 /// "panel-guarding-dark-2x": the name of a picture's file.
 [[nodiscard]] QString fileName(const Picture& picture, bool dark, double scale);
 
-/// The pictures of the README: light and dark side by side.
+/// The pictures of the documents: light and dark side by side.
 [[nodiscard]] std::vector<Picture> readmePictures();
 
 /// The panel's window with this model.

@@ -42,7 +42,7 @@ bool drawAll(const QDir& folder, double scale, const QString& only, bool goldens
     return allWell && count > 0;
 }
 
-/// Draws the pictures of the README, which are light and dark in one.
+/// Draws the pictures of the documents, which are light and dark in one.
 bool drawReadme(const QDir& folder)
 {
     bool allWell = true;
@@ -78,7 +78,7 @@ int main(int argc, char** argv)
         {QStringLiteral("scale"), QStringLiteral("Pixels a point."), QStringLiteral("N"), QStringLiteral("1")});
     parser.addOption({QStringLiteral("only"), QStringLiteral("Only what begins with this."), QStringLiteral("NAME")});
     parser.addOption({QStringLiteral("goldens"), QStringLiteral("Only what the tests compare with.")});
-    parser.addOption({QStringLiteral("readme"), QStringLiteral("The pictures of the README.")});
+    parser.addOption({QStringLiteral("readme"), QStringLiteral("The pictures of the documents.")});
     parser.addPositionalArgument(QStringLiteral("folder"), QStringLiteral("Where the pictures go."));
     parser.process(application);
     if (parser.positionalArguments().size() != 1) parser.showHelp(2);

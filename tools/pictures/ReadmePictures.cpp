@@ -1,11 +1,9 @@
 #include "Canvas.h"
-#include "PanelWorlds.h"
 #include "Picture.h"
-#include "SettingsWorlds.h"
 #include "Studio.h"
 
 #include <algorithm>
-#include <string_view>
+#include <array>
 
 namespace quellon {
 
@@ -13,33 +11,44 @@ namespace {
 
 constexpr int gap = 24;
 
-SettingsModel moment(std::string_view name)
-{
-    const auto moments = settingsMoments();
-    return std::find_if(moments.begin(), moments.end(), [&](const auto& each) { return each.name == name; })->model();
-}
+/// Two pictures side by side, the left one light, the right one dark.
+struct Pair {
+    const char* name;
+    const char* left;
+    const char* right;
+};
 
-QImage panels()
-{
-    Studio::light(false);
-    const QImage left = panelPicture(ordinaryWorld()->panel());
-    Studio::light(true);
-    return Canvas::row({left, panelPicture(ordinaryWorld()->panel())}, gap, 0, Qt::transparent);
-}
+constexpr std::array<Pair, 7> pairs{{
+    {"panel", "panel-guarding", "panel-guarding"},
+    {"panel-more", "panel-expanded", "panel-tether"},
+    {"settings", "settings-plan", "settings-rules"},
+    {"apps", "settings-apps", "settings-details"},
+    {"log", "settings-log", "settings-plan-question"},
+    {"onboarding", "onboarding", "onboarding"},
+    {"toasts", "toast-stack", "toast-stack"},
+}};
 
-QImage settings()
+QImage drawn(const std::vector<Picture>& all, const char* name, bool dark)
 {
-    Studio::light(false);
-    const QImage left = settingsPicture(moment("plan"));
-    Studio::light(true);
-    return Canvas::row({left, settingsPicture(moment("rules"))}, gap, 0, Qt::transparent);
+    const auto found = std::ranges::find(all, QString::fromLatin1(name), &Picture::name);
+    Studio::light(dark);
+    return found != all.end() ? found->draw() : QImage{};
 }
 
 } // namespace
 
 std::vector<Picture> readmePictures()
 {
-    return {{QStringLiteral("panel"), panels}, {QStringLiteral("settings"), settings}};
+    std::vector<Picture> result;
+    for (const Pair& pair : pairs) {
+        const auto draw = [pair] {
+            const auto all = pictures();
+            const QImage left = drawn(all, pair.left, false);
+            return Canvas::row({left, drawn(all, pair.right, true)}, gap, 0, Qt::transparent);
+        };
+        result.push_back({QString::fromLatin1(pair.name), draw});
+    }
+    return result;
 }
 
 } // namespace quellon

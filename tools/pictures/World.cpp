@@ -18,7 +18,7 @@ constexpr const char* interface = "wlp2s0";
 World::World()
 {
     host_.platform(Platform::linux());
-    host_.tool(ToolRole::route).prints(fmt::format("    gateway: 192.168.43.1\n  interface: {}\n", interface));
+    host_.tool(ToolRole::route).prints(fmt::format("    gateway: 172.20.10.1\n  interface: {}\n", interface));
     GuardEngine::Options options;
     options.autoStart = false;
     options.updateCheck = OnlineContexts::updateCheckContext(host_, version, "6.1.0", log_);
@@ -43,13 +43,13 @@ void World::change(const std::function<void(GuardSettings&)>& change)
 GuardEngine::TickInputs World::inputs() const
 {
     GuardEngine::TickInputs result;
-    result.status = {true, interface, fmt::format("{} · gateway 192.168.43.1 (hotspot range)", interface)};
+    result.status = {true, interface, fmt::format("{} · gateway 172.20.10.1 (hotspot range)", interface)};
     result.sampled = true;
     result.interfaceCounter = InterfaceCounter{spent_, 0};
     result.nettopCSV = "time,,interface,bytes_in,bytes_out,\n";
     for (const auto& [app, bytes] : moved_) {
         const std::int32_t pid = pids_.at(app);
-        *result.nettopCSV += fmt::format("10:00:00.0,app.{0},,1,1,\n10:00:00.0,tcp4 192.168.43.7:{0}<->203.0.113.9:443,"
+        *result.nettopCSV += fmt::format("10:00:00.0,app.{0},,1,1,\n10:00:00.0,tcp4 172.20.10.7:{0}<->203.0.113.9:443,"
                                          "{2},{1},0,\n",
                                          pid, bytes, interface);
         result.psOutput += fmt::format("{0} 501 {0} /opt/{1}/{1}\n", pid, app);
