@@ -212,7 +212,7 @@ void Desktop::openPanel(const QPoint& anchor)
 
 void Desktop::dismissPanel()
 {
-    if (panel_) panel_->close();
+    if (panel_) panel_->dismiss();
 }
 
 void Desktop::act(const PanelAction& action)

@@ -3,6 +3,7 @@
 
 import os
 import signal
+import time
 
 import cases
 from panel import Panel
@@ -70,14 +71,21 @@ class Tray(TrayCase):
         return changed if changed and changed.y + changed.height > 2 * Panel.area().height else None
 
     def test_click_reopens(self):
+        """At once, however soon after Escape the click comes."""
         self.open()
-        self.screen.press("Escape")
-        self.wait_until(lambda: not self.is_panel_open(), "a closed panel")
+        for _ in range(3):
+            self.screen.press("Escape")
+            self.wait_until(lambda: not self.is_panel_open(), "a closed panel")
+            self.open()
+            self.assertTrue(self.stays_open())
 
-        def clicked():
-            self.screen.click(self.icon)
-            return self.is_panel_open()
-        self.wait_until(clicked, "the program's panel")
+    def stays_open(self) -> bool:
+        """Whether it is open and has the keyboard for longer than the display takes to tell of a lost keyboard."""
+        ends = time.monotonic() + 1.0
+        while time.monotonic() < ends:
+            if not self.is_panel_open():
+                return False
+        return self.screen.active_window() in self.screen.windows(self.quellon.pid)
 
     def test_click_elsewhere_closes(self):
         self.open()

@@ -7,6 +7,7 @@
 #include "QuellonUI/Theme.h"
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QEvent>
 #include <QKeyEvent>
 #include <QMenu>
@@ -15,6 +16,8 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QVBoxLayout>
+
+#include <utility>
 
 namespace quellon {
 
@@ -133,7 +136,9 @@ void MenuPanel::openAt(const QPoint& anchor, const QRect& freeArea)
 
 void MenuPanel::dismiss()
 {
+    if (!std::exchange(isOpen_, false)) return;
     hide();
+    Q_EMIT closed();
 }
 
 bool MenuPanel::closedJustNow() const
@@ -190,12 +195,11 @@ void MenuPanel::leave()
             static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
 }
 
-void MenuPanel::hideEvent(QHideEvent* event)
+/// Never refuses: the end of the program asks every window.
+void MenuPanel::closeEvent(QCloseEvent* event)
 {
-    QWidget::hideEvent(event);
-    if (!isOpen_ || event->spontaneous()) return;
-    isOpen_ = false;
-    Q_EMIT closed();
+    dismiss();
+    event->accept();
 }
 
 void MenuPanel::keyPressEvent(QKeyEvent* event)

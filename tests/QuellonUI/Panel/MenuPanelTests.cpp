@@ -178,6 +178,7 @@ TEST_F(MenuPanelTest, closesWhenAnotherWindowTakesTheKeyboard)
     open(guarding());
     panel.close();
     EXPECT_EQ(closed, 3) << "as a window manager does it";
+    EXPECT_FALSE(panel.closedJustNow());
 }
 
 TEST_F(MenuPanelTest, itsOwnMenuDoesNotCloseIt)
