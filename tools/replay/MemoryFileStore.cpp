@@ -114,6 +114,19 @@ MemoryFileStore::Path MemoryFileStore::canonical(const Path& path) const
     return rest.has_filename() ? rest : rest.parent_path();
 }
 
+std::vector<FileFacts> MemoryFileStore::regularFiles(const Path& directory) const
+{
+    std::vector<FileFacts> result;
+    if (failsReads_ || !isDirectory(directory)) return result;
+    const Path folder = canonical(directory);
+    for (const auto& [path, content] : files_) {
+        if (path.parent_path() != folder || links_.contains(path)) continue;
+        const auto at = modified_.find(path);
+        result.push_back({path.filename().native(), content.size(), at != modified_.end() ? at->second : std::nullopt});
+    }
+    return result;
+}
+
 std::optional<MemoryFileStore::Path> MemoryFileStore::applicationSupportDirectory() const
 {
     if (!hasApplicationSupport_) return std::nullopt;

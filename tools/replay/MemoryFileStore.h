@@ -32,9 +32,13 @@ public:
     [[nodiscard]] Path homeDirectory() const override { return "/home/user"; }
     [[nodiscard]] Path temporaryDirectory() const override { return "/tmp"; }
     [[nodiscard]] bool append(const Path& file, std::string_view content) override;
+    /// Files have no dates but those of `setModified`.
+    [[nodiscard]] std::vector<FileFacts> regularFiles(const Path& directory) const override;
 
     /// Puts a file there, with the folders above it, whatever faults are set.
     void set(const Path& file, std::string content);
+    /// Dates the file from now on, whatever is written to it.
+    void setModified(const Path& file, std::optional<Date> at) { modified_[canonical(file)] = at; }
     /// Puts a symbolic link there, with the folders above it.
     void link(const Path& path, const Path& target);
     /// The file's content; absent when there is none.
@@ -66,6 +70,7 @@ public:
 private:
     const Platform& platform_;
     std::map<Path, std::string> files_;
+    std::map<Path, std::optional<Date>> modified_;
     std::map<Path, Path> links_;
     std::set<Path> directories_;
     std::optional<std::uint64_t> limit_;

@@ -1,12 +1,24 @@
 #pragma once
 
+#include "QuellonCore/Support/Time.h"
+
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quellon {
+
+/// What a folder tells about one of its files.
+struct FileFacts {
+    std::string name; ///< In the folder, byte for byte as the file system has it.
+    std::uint64_t byteCount = 0;
+    std::optional<Date> modifiedAt; ///< When the content was last changed; absent when that can't be read.
+    bool operator==(const FileFacts&) const = default;
+};
 
 /// Seam: the few file operations that state needs, and where the user's folders are. Main thread only. Nothing here
 /// throws; a failure is the return value.
@@ -49,6 +61,10 @@ public:
     /// Adds to the end of a file that is there. False when there is none or it can't be written to, when any byte could
     /// not be written, and for a symbolic link.
     [[nodiscard]] virtual bool append(const std::filesystem::path& file, std::string_view content) = 0;
+
+    /// The regular files that lie in the folder itself, by name, ascending byte by byte; symbolic links, folders and
+    /// whatever else is there are left out. Empty when the folder can't be listed.
+    [[nodiscard]] virtual std::vector<FileFacts> regularFiles(const std::filesystem::path& directory) const = 0;
 };
 
 } // namespace quellon

@@ -2,8 +2,10 @@
 
 #include "QuellonHost/Posix/Descriptor.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <fcntl.h>
 #include <pwd.h>
@@ -67,6 +69,17 @@ bool isDirectory(const fs::path& path)
     return fs::is_directory(path, error);
 }
 
+Date lastChange(const struct stat& status)
+{
+#ifdef __APPLE__
+    const timespec& at = status.st_mtimespec;
+#else
+    const timespec& at = status.st_mtim;
+#endif
+    const Seconds since1970 = std::chrono::seconds{at.tv_sec} + Seconds{static_cast<double>(at.tv_nsec) / 1e9};
+    return Date{since1970 - referenceDateSince1970};
+}
+
 } // namespace
 
 PosixFileStore::PosixFileStore(const ProcessControl& processes, DataFolder dataFolder)
@@ -113,6 +126,20 @@ bool PosixFileStore::append(const fs::path& file, std::string_view content)
     Descriptor descriptor{open(file.c_str(), flags)};
     if (!descriptor || !makePrivate(descriptor.get()) || !writeAll(descriptor.get(), content)) return false;
     return descriptor.close();
+}
+
+std::vector<FileFacts> PosixFileStore::regularFiles(const fs::path& directory) const
+{
+    std::vector<FileFacts> result;
+    std::error_code error;
+    for (fs::directory_iterator each{directory, error}, end; !error && each != end; each.increment(error)) {
+        struct stat status {};
+        if (lstat(each->path().c_str(), &status) != 0 || !S_ISREG(status.st_mode)) continue;
+        result.push_back({each->path().filename().native(),
+                          static_cast<std::uint64_t>(std::max<off_t>(status.st_size, 0)), lastChange(status)});
+    }
+    std::ranges::sort(result, {}, &FileFacts::name);
+    return result;
 }
 
 bool PosixFileStore::replace(const fs::path& from, const fs::path& to)

@@ -30,6 +30,7 @@ public:
     /// `$TMPDIR` when that is an absolute path, otherwise "/tmp".
     [[nodiscard]] std::filesystem::path temporaryDirectory() const override { return temporary_; }
     [[nodiscard]] bool append(const std::filesystem::path& file, std::string_view content) override;
+    [[nodiscard]] std::vector<FileFacts> regularFiles(const std::filesystem::path& directory) const override;
 
 private:
     std::filesystem::path home_;

@@ -160,6 +160,38 @@ TYPED_TEST(FileStoreContract, makesFoldersWithTheirParents)
     EXPECT_TRUE(this->files.write(this->root / "a/b/d/file", "y"));
 }
 
+TYPED_TEST(FileStoreContract, listsTheRegularFilesOfAFolder)
+{
+    ASSERT_TRUE(this->files.createDirectories(this->root / "state/folder"));
+    ASSERT_TRUE(this->files.write(this->root / "state/b.json", "four"));
+    ASSERT_TRUE(this->files.write(this->root / "state/B.json", ""));
+    ASSERT_TRUE(this->files.write(this->root / "state/a\n\xFF", std::string(100'000, 'x')));
+    ASSERT_TRUE(this->files.write(this->root / "state/folder/below.json", "x"));
+    ASSERT_TRUE(this->files.write(this->root / "other.json", "x"));
+    this->world.link(this->root / "state/link.json", this->root / "other.json");
+    this->world.link(this->root / "way", this->root / "state");
+    for (const char* way : {"state", "state/", "way"}) {
+        SCOPED_TRACE(way);
+        const auto found = this->files.regularFiles(this->root / way);
+        ASSERT_EQ(found.size(), 3U);
+        EXPECT_EQ(found[0].name, "B.json");
+        EXPECT_EQ(found[0].byteCount, 0U);
+        EXPECT_EQ(found[1].name, "a\n\xFF");
+        EXPECT_EQ(found[1].byteCount, 100'000U);
+        EXPECT_EQ(found[2].name, "b.json");
+        EXPECT_EQ(found[2].byteCount, 4U);
+    }
+}
+
+TYPED_TEST(FileStoreContract, aFolderThatCannotBeListedIsEmpty)
+{
+    ASSERT_TRUE(this->files.write(this->root / "file", "x"));
+    EXPECT_TRUE(this->files.regularFiles(this->root / "missing").empty());
+    EXPECT_TRUE(this->files.regularFiles(this->root / "file").empty());
+    ASSERT_TRUE(this->files.createDirectories(this->root / "empty"));
+    EXPECT_TRUE(this->files.regularFiles(this->root / "empty").empty());
+}
+
 TYPED_TEST(FileStoreContract, canonical)
 {
     ASSERT_TRUE(this->files.createDirectories(this->root / "real/inner"));
