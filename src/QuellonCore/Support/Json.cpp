@@ -1,5 +1,7 @@
 #include "QuellonCore/Support/Json.h"
 
+#include "QuellonCore/Support/JsonWalk.h"
+
 #include <algorithm>
 #include <cmath>
 #include <new>
@@ -39,11 +41,19 @@ bool canBeWritten(const Json& value)
     return !value.is_discarded() && !value.is_binary();
 }
 
+/// What is wrong with the text before the library sees it.
+std::optional<JsonFault> faultAtSight(std::string_view text)
+{
+    // The library takes a zero byte for the end of the text.
+    if (text.find('\0') != std::string_view::npos) return JsonFault::notJson;
+    if (nestsTooDeep(text)) return JsonFault::nestsTooDeep;
+    return std::nullopt;
+}
+
 /// What the text holds, as far as `keeps` wants it.
 std::optional<Json> parse(std::string_view text, const Json::parser_callback_t& keeps)
 {
-    // The library takes a zero byte for the end of the text.
-    if (text.find('\0') != std::string_view::npos || nestsTooDeep(text)) return std::nullopt;
+    if (faultAtSight(text)) return std::nullopt;
     try {
         Json value = Json::parse(text, keeps, false);
         if (value.is_discarded()) return std::nullopt;
@@ -77,6 +87,12 @@ std::optional<Json> parseJsonMembers(std::string_view text, std::span<const std:
         const auto* name = value.get_ptr<const std::string*>();
         return name != nullptr && std::find(names.begin(), names.end(), *name) != names.end();
     });
+}
+
+std::optional<JsonFault> walkJson(std::string_view text, nlohmann::json_sax<Json>& events)
+{
+    if (const auto fault = faultAtSight(text)) return fault;
+    return Json::sax_parse(text, &events) ? std::nullopt : std::optional{JsonFault::notJson};
 }
 
 std::optional<std::string> dumpJson(const Json& value)
