@@ -1,5 +1,6 @@
 #pragma once
 
+#include "QuellonCore/Support/EnumTable.h"
 #include "QuellonCore/Support/Time.h"
 
 #include <cstdint>
@@ -40,5 +41,17 @@ struct SamplingDiagnostics {
 
     bool operator==(const SamplingDiagnostics&) const = default;
 };
+
+inline constexpr EnumTable<SamplingDiagnostics::Verdict, 4> samplingVerdicts{{{
+    {SamplingDiagnostics::Verdict::unknown, "unknown", "Not known yet"},
+    {SamplingDiagnostics::Verdict::healthy, "healthy", "Healthy"},
+    {SamplingDiagnostics::Verdict::slow, "slow", "Slow"},
+    {SamplingDiagnostics::Verdict::overlapping, "overlapping", "Overlapping"},
+}}};
+
+constexpr const auto& enumTable(SamplingDiagnostics::Verdict /*type*/)
+{
+    return samplingVerdicts;
+}
 
 } // namespace quellon

@@ -29,7 +29,9 @@ Platform Platform::macOS()
             "1. Open Network settings\n2. Click ⋯ at the bottom → Set Service Order\n3. Drag iPhone USB above Wi-Fi",
             "x-apple.systempreferences:com.apple.Network-Settings.extension",
             {},
-            "Mac"};
+            "Mac",
+            "task_info failed",
+            SessionStart::launchAgent};
 }
 
 Platform Platform::linux()

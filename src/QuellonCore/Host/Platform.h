@@ -23,6 +23,12 @@ enum class ToolRole {
 };
 inline constexpr std::size_t toolRoleCount = 8;
 
+/// What the user's session starts programs by.
+enum class SessionStart {
+    desktopEntry, ///< A desktop entry in the autostart folder.
+    launchAgent,  ///< A property list for launchd.
+};
+
 /// The facts in which the systems differ, as data: either record can be driven anywhere.
 struct Platform {
     std::string name; ///< The word for the system, such as "Linux".
@@ -43,6 +49,11 @@ struct Platform {
 
     /// What a machine with this system is called: "Mac".
     std::string machine = "computer";
+
+    /// What it means that the system does not tell what a process weighs, in a few words.
+    std::string vitalsFailure = "/proc/self/status can't be read";
+
+    SessionStart sessionStart = SessionStart::desktopEntry;
 
     /// The command that answers `role`, with `arguments` appended.
     [[nodiscard]] Command tool(ToolRole role, const std::vector<std::string>& arguments = {}) const;
