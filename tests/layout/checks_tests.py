@@ -10,6 +10,7 @@ import unittest
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, HERE)
 
+import documents  # noqa: E402
 import links_no_qt  # noqa: E402
 
 CLEAN = {
@@ -145,6 +146,71 @@ class NoWording(unittest.TestCase):
                 status, output = run_check("no_wording.py", CLEAN | {self.PATH: f"// first line\n{line}\n"})
                 self.assertEqual(status, 1, output)
                 self.assertIn(f"{self.PATH}:2: ", output)
+
+
+class Documents(unittest.TestCase):
+    """Scripts stand for the programs."""
+
+    QUELLON = "#!/bin/sh\n[ \"$1\" = --version ] && echo 'Quellon 0.1.0' || echo '  --plain  lines; --redact FILE'\n"
+    FINE = CLEAN | {
+        "Makefile": "run:\n\t@true\ntest check:\n\t@true\n",
+        "tools/shapes": "# shapes [--round]\n",
+        "docs/pictures/panel.png": "",
+        "README.md": "# Top\n[a](docs/architecture.md#one-tick) [b](CHANGELOG.md) [c](#top) [d](https://example.com/x)\n"
+                     '<img src="docs/pictures/panel.png">\n`--plain`, `make check`, `journalctl --user`,\n'
+                     "`src/QuellonCore/Rules`\n\n```\nbuild/release/bin/Quellon --redact x\ntools/shapes --round\n```\n",
+        "CHANGELOG.md": "# Changes\n\n## 0.1.0\n",
+        "docs/architecture.md": "# Cut\n\n## One `tick`\n\n```diagram\nQuellonCore/ Engine/ Rules/ Support/\n"
+                                "QuellonHost/ Posix/ Linux/\nQuellonUI/ QuellonProbe/\n```\n",
+    }
+
+    def check(self, files: dict):
+        with tempfile.TemporaryDirectory() as root:
+            for path, text in files.items():
+                os.makedirs(os.path.dirname(os.path.join(root, path)) or root, exist_ok=True)
+                with open(os.path.join(root, path), "w", encoding="utf-8") as file:
+                    file.write(text)
+            program = os.path.join(root, "build", "Quellon")
+            os.makedirs(os.path.dirname(program))
+            with open(program, "w", encoding="utf-8") as file:
+                file.write(self.QUELLON)
+            os.chmod(program, 0o755)
+            return list(documents.problems(root, [program]))
+
+    def test_clean_project(self):
+        self.assertEqual(self.check(self.FINE), [])
+
+    def test_nothing_to_check(self):
+        self.assertEqual(len(self.check({})), 1)
+
+    def test_planted(self):
+        readme = self.FINE["README.md"]
+        cases = (
+            ("a link", {"README.md": readme + "[x](docs/none.md)\n"}, "there is no docs/none.md"),
+            ("a picture", {"README.md": readme + "![x](docs/pictures/none.png)\n"}, "there is no docs/pictures/none.png"),
+            ("a heading", {"README.md": readme + "[x](docs/architecture.md#two)\n"}, "has no heading two"),
+            ("a heading here", {"README.md": readme + "[x](#two)\n"}, "has no heading two"),
+            ("a document that nobody finds", {"docs/hidden.md": "# Hidden\n"}, "leads nowhere to docs/hidden.md"),
+            ("an option alone", {"README.md": readme + "`--plane`\n"}, "Quellon knows no --plane"),
+            ("the beginning of an option", {"README.md": readme + "`--pla`\n"}, "Quellon knows no --pla"),
+            ("an option in a block", {"README.md": readme + "```\nQuellon --plane\n```\n"}, "knows no --plane"),
+            ("an option of a script", {"README.md": readme + "```\ntools/shapes --square\n```\n"}, "knows no --square"),
+            ("a command", {"README.md": readme + "`frob --nicate`\n"}, "what is frob"),
+            ("a target", {"README.md": readme + "`make tea`\n"}, "no target tea"),
+            ("a source file", {"README.md": readme + "`src/QuellonCore/Tea.cpp`\n"}, "there is no src/QuellonCore/Tea.cpp"),
+            ("a new folder", {"src/QuellonUI/Kit/A.h": ""}, "QuellonUI/Kit is only in src"),
+            ("a folder that is gone",
+             {"docs/architecture.md": self.FINE["docs/architecture.md"].replace("QuellonUI/", "QuellonUI/ Tray/")},
+             "QuellonUI/Tray is only in the diagram"),
+            ("a second diagram", {"docs/architecture.md": self.FINE["docs/architecture.md"] + "```diagram\n```\n"},
+             "2 diagrams"),
+            ("a version", {"CHANGELOG.md": "## 0.2.0\n"}, "the version is 0.2.0"),
+        )
+        for name, files, message in cases:
+            with self.subTest(name):
+                found = self.check(self.FINE | files)
+                self.assertEqual(len(found), 1, found)
+                self.assertIn(message, found[0])
 
 
 class LinksNoQt(unittest.TestCase):
