@@ -86,7 +86,7 @@ struct RedactedJSON {
 
     std::variant<Null, Object, Array, Number, Bool, Text, RedactedString, TooDeep> value;
 
-    bool operator==(const RedactedJSON&) const = default;
+    bool operator==(const RedactedJSON&) const;
 };
 
 struct RedactedField {
@@ -95,7 +95,18 @@ struct RedactedField {
     bool operator==(const RedactedField&) const = default;
 };
 
-inline bool RedactedJSON::Object::operator==(const Object&) const = default;
-inline bool RedactedJSON::Array::operator==(const Array&) const = default;
+// Written out: clang 14 breaks down over defaults for types that contain one another.
+inline bool RedactedJSON::Object::operator==(const Object& other) const
+{
+    return fields == other.fields;
+}
+inline bool RedactedJSON::Array::operator==(const Array& other) const
+{
+    return count == other.count && items == other.items;
+}
+inline bool RedactedJSON::operator==(const RedactedJSON& other) const
+{
+    return value == other.value;
+}
 
 } // namespace quellon
