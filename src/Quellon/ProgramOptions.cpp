@@ -18,6 +18,9 @@ constexpr std::string_view durationHint = "--duration takes a positive number of
 constexpr std::string_view autoResumeOption = "--auto-resume";
 constexpr std::string_view autoResumeHint = "--auto-resume takes a whole number of seconds, 1 to 1800";
 
+constexpr std::string_view autostartOption = "--autostart";
+constexpr std::string_view autostartHint = "--autostart takes on, off or status";
+
 bool isDigit(char c)
 {
     return c >= '0' && c <= '9';
@@ -43,6 +46,20 @@ std::optional<std::string> setAutoResume(ProgramOptions& options, std::string_vi
     return std::nullopt;
 }
 
+/// Takes over the value of "--autostart".
+std::optional<std::string> setAutostart(ProgramOptions& options, std::string_view value)
+{
+    if (value == "on")
+        options.autostart = AutostartCommand::on;
+    else if (value == "off")
+        options.autostart = AutostartCommand::off;
+    else if (value == "status")
+        options.autostart = AutostartCommand::status;
+    else
+        return fmt::format("{}, not \"{}\"", autostartHint, value);
+    return std::nullopt;
+}
+
 /// An option that is followed by a value, in the next word or in its own behind "=".
 struct ValueOption {
     std::string_view name;
@@ -52,6 +69,7 @@ struct ValueOption {
 constexpr ValueOption valueOptions[] = {
     {durationOption, durationHint, setDuration},
     {autoResumeOption, autoResumeHint, setAutoResume},
+    {autostartOption, autostartHint, setAutostart},
 };
 
 /// The one that `word` begins with; null when none does.
@@ -146,13 +164,16 @@ std::string_view help()
            "  --duration SECONDS     end after this time, such as 5 or 2.5\n"
            "  --auto-resume SECONDS  what is frozen thaws after this time, whatever has become of the guard;\n"
            "                         1 to 1800, which is the default\n"
+           "  --autostart WHAT       on: start with the session from now on; off: no longer; status: print which;\n"
+           "                         then end\n"
            "  -h, --help             print this and end\n"
            "  --version              print the version and end\n"
            "\n"
            "NO_COLOR, when set, keeps the terminal view free of colours.\n"
            "\n"
            "Exit status: 0 after a normal end, SIGTERM and Ctrl-C included, and when the reader of the lines is gone;\n"
-           "1 when standard output can't be written; 2 for a mistake in the options; 70 after an internal error.\n";
+           "1 when standard output or the file of --autostart can't be written; 2 for a mistake in the options;\n"
+           "70 after an internal error.\n";
 }
 
 std::string_view version()

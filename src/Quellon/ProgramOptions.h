@@ -10,13 +10,17 @@
 
 namespace quellon {
 
+/// What is to become of the start with the user's session.
+enum class AutostartCommand { on, off, status };
+
 /// What the command line asks for.
 struct ProgramOptions {
     enum class View { automatic, terminal, plain };
 
     View view = View::automatic;
-    std::optional<Seconds> duration;                     ///< Ends the program; absent: somebody else does.
-    int autoResumeSeconds = Enforcer::autoResumeSeconds; ///< After how long a freeze ends, whatever becomes of us.
+    std::optional<Seconds> duration;                          ///< Ends the program; absent: somebody else does.
+    int autoResumeSeconds = Enforcer::autoResumeSeconds;      ///< After how long a freeze ends, whatever becomes of us.
+    std::optional<AutostartCommand> autostart = std::nullopt; ///< Does this, and nothing else.
     bool help = false;
     bool version = false;
     bool operator==(const ProgramOptions&) const = default;

@@ -1,3 +1,4 @@
+#include "Quellon/AutostartProgram.h"
 #include "Quellon/DesktopProgram.h"
 #include "Quellon/ProgramOptions.h"
 #include "Quellon/QuellonApp.h"
@@ -42,6 +43,7 @@ int main(int argumentCount, char** arguments)
     if (error) return refuse(*error);
     if (options.help) return print(CommandLine::help());
     if (options.version) return print(CommandLine::version());
+    if (options.autostart) return AutostartProgram::run(*options.autostart);
 
     const Surroundings surroundings{.desktop = DesktopProgram::isAvailable(), .terminal = isatty(STDOUT_FILENO) == 1};
     switch (chooseView(options.view, surroundings)) {

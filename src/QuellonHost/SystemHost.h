@@ -3,6 +3,7 @@
 #include "QuellonCore/Host/Host.h"
 #include "QuellonHost/Posix/PosixRunLoop.h"
 
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -21,6 +22,8 @@ public:
     [[nodiscard]] Host host();
     /// The running system's version as three numbers, such as "6.1.0"; on Linux it is the kernel's.
     [[nodiscard]] static std::string systemVersion();
+    /// The program's own file, links resolved. Where an update has put another one in its place, that one.
+    [[nodiscard]] static std::filesystem::path executable();
     /// To run, or to embed in another loop.
     [[nodiscard]] PosixRunLoop& runLoop();
 

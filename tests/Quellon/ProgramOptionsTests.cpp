@@ -34,6 +34,9 @@ TEST(CommandLine, rightOnes)
         {"the last freeze holds",
          {"--auto-resume", "5", "--auto-resume=007"},
          {.duration = {}, .autoResumeSeconds = 7}},
+        {"autostart on", {"--autostart", "on"}, {.duration = {}, .autostart = AutostartCommand::on}},
+        {"autostart off", {"--autostart=off"}, {.duration = {}, .autostart = AutostartCommand::off}},
+        {"autostart status", {"--autostart", "status"}, {.duration = {}, .autostart = AutostartCommand::status}},
         {"help", {"--help"}, {.duration = {}, .help = true}},
         {"help in short", {"-h"}, {.duration = {}, .help = true}},
         {"version", {"--version"}, {.duration = {}, .version = true}},
@@ -77,6 +80,8 @@ TEST(CommandLine, wrongOnes)
         {"a fraction", {"--auto-resume", "2.5"}, freeze},
         {"with a unit", {"--auto-resume", "5s"}, freeze},
         {"a longer word for it", {"--auto-resumes=5"}, "unknown option \"--auto-resumes=5\""},
+        {"no word for the autostart", {"--autostart"}, "--autostart takes on, off or status"},
+        {"another word for it", {"--autostart", "yes"}, "--autostart takes on, off or status, not \"yes\""},
         {"both views", {"--plain", "--terminal"}, "--terminal and --plain exclude each other"},
         {"help does not hide a mistake", {"--help", "--fast"}, "unknown option \"--fast\""},
     };

@@ -82,6 +82,14 @@ bool isAmongTheLast(const Descriptor& descriptor)
     return getrlimit(RLIMIT_NOFILE, &limit) == 0 && static_cast<rlim_t>(descriptor.get()) + reserve >= limit.rlim_cur;
 }
 
+/// What /proc/PID/exe links to without the kernel's mark of a removed file.
+std::string_view withoutMark(std::string_view executable)
+{
+    constexpr std::string_view removedMark = " (deleted)";
+    if (executable.ends_with(removedMark)) executable.remove_suffix(removedMark.size());
+    return executable;
+}
+
 std::string content(const char* path)
 {
     std::ifstream file{path, std::ios::binary};
@@ -92,15 +100,18 @@ std::string content(const char* path)
 
 std::string LinuxProcessControl::processName() const
 {
+    return executable().filename().string();
+}
+
+std::filesystem::path LinuxProcessControl::executable()
+{
     std::error_code error;
-    return processName(std::filesystem::read_symlink("/proc/self/exe", error).native());
+    return withoutMark(std::filesystem::read_symlink("/proc/self/exe", error).native());
 }
 
 std::string LinuxProcessControl::processName(std::string_view executable)
 {
-    constexpr std::string_view removedMark = " (deleted)";
-    if (executable.ends_with(removedMark)) executable.remove_suffix(removedMark.size());
-    return std::filesystem::path{executable}.filename().string();
+    return std::filesystem::path{withoutMark(executable)}.filename().string();
 }
 
 std::unique_ptr<ProcessReference> LinuxProcessControl::reference(std::int32_t pid)

@@ -2,6 +2,7 @@
 
 #include "QuellonHost/Posix/PosixProcessControl.h"
 
+#include <filesystem>
 #include <string_view>
 
 namespace quellon {
@@ -21,6 +22,9 @@ public:
 
     /// The same from the two texts. Absent when `status` lacks the resident memory or the threads.
     [[nodiscard]] static std::optional<ProcessMetrics> metrics(std::string_view status, std::string_view smapsRollup);
+    /// The program's own file. Where an update has put another one in its place, that one; empty when /proc is not
+    /// there.
+    [[nodiscard]] static std::filesystem::path executable();
     /// The last component of what /proc/PID/exe links to, without the kernel's mark of a removed file.
     [[nodiscard]] static std::string processName(std::string_view executable);
 };

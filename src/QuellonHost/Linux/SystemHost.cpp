@@ -4,22 +4,11 @@
 #include "QuellonHost/Posix/SystemVersion.h"
 
 #include <filesystem>
-#include <system_error>
 
 namespace quellon {
 
-namespace {
-
-std::filesystem::path executableFolder()
-{
-    std::error_code error;
-    return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
-}
-
-} // namespace
-
 struct SystemHost::Parts {
-    LinuxHost linuxHost{LinuxHost::findProbe(executableFolder())};
+    LinuxHost linuxHost{LinuxHost::findProbe(executable().parent_path())};
 };
 
 SystemHost::SystemHost() : parts_{std::make_unique<Parts>()} {}
@@ -34,6 +23,11 @@ Host SystemHost::host()
 std::string SystemHost::systemVersion()
 {
     return SystemVersion::kernel();
+}
+
+std::filesystem::path SystemHost::executable()
+{
+    return LinuxProcessControl::executable();
 }
 
 PosixRunLoop& SystemHost::runLoop()

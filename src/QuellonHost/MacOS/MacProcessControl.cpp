@@ -37,7 +37,7 @@ std::optional<std::size_t> threads()
 
 } // namespace
 
-std::string MacProcessControl::processName() const
+std::filesystem::path MacProcessControl::executable()
 {
     std::uint32_t size = 0;
     (void)_NSGetExecutablePath(nullptr, &size);
@@ -46,7 +46,12 @@ std::string MacProcessControl::processName() const
     path.resize(std::strlen(path.c_str()));
     std::error_code error;
     const auto resolved = std::filesystem::canonical(path, error);
-    return (error ? std::filesystem::path{path} : resolved).filename().string();
+    return error ? std::filesystem::path{path} : resolved;
+}
+
+std::string MacProcessControl::processName() const
+{
+    return executable().filename().string();
 }
 
 std::optional<ProcessMetrics> MacProcessControl::metrics() const

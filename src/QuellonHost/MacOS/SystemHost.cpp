@@ -30,6 +30,11 @@ std::string SystemHost::systemVersion()
     return SystemVersion::numbers(text.data());
 }
 
+std::filesystem::path SystemHost::executable()
+{
+    return MacProcessControl::executable();
+}
+
 PosixRunLoop& SystemHost::runLoop()
 {
     return parts_->macHost.runLoop();

@@ -29,6 +29,11 @@ TEST(LinuxProcessControl, processName)
     EXPECT_EQ(LinuxProcessControl{}.processName(), std::filesystem::read_symlink("/proc/self/exe").filename());
 }
 
+TEST(LinuxProcessControl, executable)
+{
+    EXPECT_EQ(LinuxProcessControl::executable(), std::filesystem::canonical("/proc/self/exe"));
+}
+
 TEST(LinuxProcessControl, aDetachedChildHasASessionOfItsOwnAndNoStreams)
 {
     const testing::TemporaryFolder folder;
