@@ -151,4 +151,29 @@ void FreezingWorld::removeHelper() const
     fs::remove(folder_ / "quellon-probe");
 }
 
+void FreezingWorld::upgrade() const
+{
+    // To put a file in the place of another name of itself does nothing.
+    fs::remove(folder_ / "Quellon");
+    fs::create_hard_link(QUELLON_PROGRAM, folder_ / "Quellon");
+    write(folder_ / "quellon-probe.new", helper());
+    fs::permissions(folder_ / "quellon-probe.new", fs::perms::owner_all);
+    fs::rename(folder_ / "quellon-probe.new", folder_ / "quellon-probe");
+}
+
+bool FreezingWorld::killHelpers(pid_t program)
+{
+    const std::string number = std::to_string(program);
+    std::size_t killed = 0;
+    for (const auto& task : fs::directory_iterator{"/proc/" + number + "/task"}) {
+        std::ifstream children{task.path() / "children"};
+        for (pid_t child = 0; children >> child;) {
+            std::ifstream file{"/proc/" + std::to_string(child) + "/cmdline", std::ios::binary};
+            const std::string words{std::istreambuf_iterator<char>{file}, {}};
+            if (words.find("quellon-probe") != std::string::npos && kill(child, SIGKILL) == 0) ++killed;
+        }
+    }
+    return killed > 0;
+}
+
 } // namespace quellon

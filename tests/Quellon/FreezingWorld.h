@@ -52,6 +52,10 @@ public:
     void setStateFile(std::string_view name, std::string_view content) const;
     /// From now on the program finds no helper.
     void removeHelper() const;
+    /// Puts other files in the place of program and helper, as an upgrade does while both run.
+    void upgrade() const;
+    /// Kills the helpers that this program has started. False when it has none.
+    [[nodiscard]] static bool killHelpers(pid_t program);
 
 private:
     std::filesystem::path folder_;
