@@ -209,6 +209,11 @@ public:
     /// Whether warnings can reach the user; the notification layer keeps it up to date.
     void setNotificationCapability(const NotificationCapability& capability);
 
+    /// For trying things out by hand, on state that is nobody's: the next traffic sample counts as failed.
+    void failNextSample() { failsNextSample_ = true; }
+    /// For the same: freezes from now on are thawed by their watchdog after so many seconds.
+    void setAutoResumeSeconds(int seconds) { autoResumeSeconds_ = seconds; }
+
     /// Gathers the inputs of a tick. Blocks for as long as the tools take, reads no engine state; any thread.
     [[nodiscard]] static TickInputs collectInputs(const Host& host, bool meteredOnly, bool canSample);
 
@@ -365,6 +370,7 @@ private:
     Dates cooldown_;
     RunLoop::Handle timer_;
     bool isTicking_ = false;
+    bool failsNextSample_ = false;
     Date lastPersistAt_ = distantPast;
     std::optional<Date> lastLivenessTickAt_;
     std::set<std::int32_t> selfPIDs_;

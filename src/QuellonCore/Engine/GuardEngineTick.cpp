@@ -11,6 +11,8 @@
 
 #include <fmt/format.h>
 
+#include <utility>
+
 namespace quellon {
 
 void GuardEngine::tick()
@@ -29,9 +31,10 @@ void GuardEngine::tick()
         return collectInputs(host, meteredOnly, canSample);
     };
     Shell::offMain<TickInputs>(
-        host_, collect, [this, startedAt, alive = std::weak_ptr<const bool>{alive_}](const TickInputs& inputs) {
+        host_, collect, [this, startedAt, alive = std::weak_ptr<const bool>{alive_}](TickInputs inputs) {
             if (alive.expired()) return;
             const Date now = host_.clock.now();
+            if (inputs.sampled && std::exchange(failsNextSample_, false)) inputs.nettopCSV.reset();
             sampling_.recordCompleted(now - startedAt, now);
             host_.log.write(GuardLog::sampling, LogLevel::info,
                             fmt::format("collected in {:.2f}s · sampled={} · nettop={}", (now - startedAt).count(),
