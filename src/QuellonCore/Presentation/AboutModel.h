@@ -6,6 +6,7 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace quellon {
 
@@ -27,6 +28,7 @@ struct AboutModel {
 
     /// How long "Copied ✓" stays.
     static constexpr Seconds copiedTime{2.0};
+    static constexpr std::string_view startTitle = "Start at login"; ///< Beside the switch.
 
     std::string name; ///< The product's.
     std::string version;
@@ -34,8 +36,10 @@ struct AboutModel {
     FormButton copy;         ///< Puts `diagnostics` on the clipboard.
     std::string diagnostics; ///< What is copied.
     std::string note;
+    std::optional<FormSwitch> startAtLogin;  ///< Absent where nobody knows the session.
+    std::optional<std::string> startRefusal; ///< Why the switch did not take, in a sentence.
 
-    [[nodiscard]] static AboutModel of(const GuardEngine& engine, const Build& build, bool copied);
+    [[nodiscard]] static AboutModel of(const GuardEngine& engine, const Build& build, const SettingsState& state);
 
     bool operator==(const AboutModel&) const = default;
 };

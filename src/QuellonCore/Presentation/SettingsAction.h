@@ -25,6 +25,11 @@ struct SelectTab {
     bool operator==(const SelectTab&) const = default;
 };
 
+/// The window was closed: what was refused, or not yet asked for, goes with it; the carrier's word stays.
+struct CloseWindow {
+    bool operator==(const CloseWindow&) const = default;
+};
+
 // The plan.
 struct SelectProfile {
     UUID id;
@@ -157,6 +162,13 @@ struct ShowCopied {
     bool operator==(const ShowCopied&) const = default;
 };
 
+/// Whether the user's session starts the program. `perform` leaves it to whoever shows the window and knows the
+/// session.
+struct SetStartAtLogin {
+    bool on = true;
+    bool operator==(const SetStartAtLogin&) const = default;
+};
+
 /// The first-run window is done with.
 struct StartGuarding {
     bool operator==(const StartGuarding&) const = default;
@@ -165,16 +177,17 @@ struct StartGuarding {
 } // namespace SettingsActions
 
 using SettingsAction =
-    std::variant<SettingsActions::SelectTab, SettingsActions::SelectProfile, SettingsActions::RenameProfile,
-                 SettingsActions::AddProfile, SettingsActions::DeleteProfile, SettingsActions::SetUsageProfile,
-                 SettingsActions::EditNumber, SettingsActions::CommitNumber, SettingsActions::RederiveRules,
-                 SettingsActions::ReplaceRules, SettingsActions::KeepRules, SettingsActions::MatchCarrier,
-                 SettingsActions::ClearCalibration, SettingsActions::SetRuleEnabled, SettingsActions::SetRuleLevel,
-                 SettingsActions::AddRule, SettingsActions::SetEnforcementAction, SettingsActions::SetPolicy,
-                 SettingsActions::RemovePolicy, SettingsActions::AddDevTools, SettingsActions::OpenPicker,
-                 SettingsActions::FilterPicker, SettingsActions::PickPolicy, SettingsActions::ClosePicker,
-                 SettingsActions::OpenDetails, SettingsActions::CloseDetails, SettingsActions::ExplainOnline,
-                 SettingsActions::AnswerExplainConsent, SettingsActions::UnmuteAsks, SettingsActions::ResumeWatching,
-                 SettingsActions::ShowCopied, SettingsActions::StartGuarding>;
+    std::variant<SettingsActions::SelectTab, SettingsActions::CloseWindow, SettingsActions::SelectProfile,
+                 SettingsActions::RenameProfile, SettingsActions::AddProfile, SettingsActions::DeleteProfile,
+                 SettingsActions::SetUsageProfile, SettingsActions::EditNumber, SettingsActions::CommitNumber,
+                 SettingsActions::RederiveRules, SettingsActions::ReplaceRules, SettingsActions::KeepRules,
+                 SettingsActions::MatchCarrier, SettingsActions::ClearCalibration, SettingsActions::SetRuleEnabled,
+                 SettingsActions::SetRuleLevel, SettingsActions::AddRule, SettingsActions::SetEnforcementAction,
+                 SettingsActions::SetPolicy, SettingsActions::RemovePolicy, SettingsActions::AddDevTools,
+                 SettingsActions::OpenPicker, SettingsActions::FilterPicker, SettingsActions::PickPolicy,
+                 SettingsActions::ClosePicker, SettingsActions::OpenDetails, SettingsActions::CloseDetails,
+                 SettingsActions::ExplainOnline, SettingsActions::AnswerExplainConsent, SettingsActions::UnmuteAsks,
+                 SettingsActions::ResumeWatching, SettingsActions::ShowCopied, SettingsActions::SetStartAtLogin,
+                 SettingsActions::StartGuarding>;
 
 } // namespace quellon

@@ -18,7 +18,7 @@ SettingsModel::Page page(const GuardEngine& engine, const SettingsState& state, 
     case SettingsTab::about:
         break;
     }
-    return AboutModel::of(engine, build, state.copied);
+    return AboutModel::of(engine, build, state);
 }
 
 } // namespace

@@ -36,13 +36,13 @@ public:
     bool operator()(const SelectTab& action)
     {
         if (state_.tab == action.tab) return false;
-        commitAll();
-        forgetDrafts(state_);
-        state_.pendingRederive.clear();
-        state_.showingPicker = false;
-        state_.query.clear();
-        state_.copied = false;
+        leavePage();
         state_.tab = action.tab;
+        return false;
+    }
+    bool operator()(const CloseWindow& /*action*/)
+    {
+        leavePage();
         return false;
     }
 
@@ -235,6 +235,8 @@ public:
         return false;
     }
 
+    bool operator()(const SetStartAtLogin& /*action*/) { return false; }
+
     bool operator()(const StartGuarding& /*action*/)
     {
         for (const auto kind : {NumberField::Kind::planSize, NumberField::Kind::startDay}) {
@@ -306,6 +308,17 @@ private:
         const bool isSame = !before || NumberField::text(*before) == draft->second;
         state_.drafts.erase(draft);
         if (!isSame) set(field, *reading.value);
+    }
+
+    /// What stood on the page goes with it.
+    void leavePage()
+    {
+        commitAll();
+        forgetDrafts(state_);
+        state_.pendingRederive.clear();
+        state_.showingPicker = false;
+        state_.query.clear();
+        state_.copied = false;
     }
 
     /// For a page that is left by other means than its fields.

@@ -26,6 +26,8 @@ struct SettingsState {
     std::string query;                        ///< The picker's filter.
     std::optional<std::string> askingConsent; ///< The application whose details ask for the consent to lookups.
     bool copied = false;                      ///< The diagnostics were copied a moment ago.
+    std::optional<bool> startsAtLogin;        ///< Whether the user's session starts the program, where that is known.
+    std::optional<std::string> startRefusal;  ///< Why the latest change of that failed.
 
     bool operator==(const SettingsState&) const = default;
 };

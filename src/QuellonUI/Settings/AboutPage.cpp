@@ -5,6 +5,7 @@
 #include "QuellonUI/Theme.h"
 
 #include <QClipboard>
+#include <QEvent>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QTimer>
@@ -28,6 +29,10 @@ AboutPage::AboutPage(QWidget* parent)
       links_{new LinkButton{Fonts::body(), this}, new LinkButton{Fonts::body(), this}},
       copy_(new PushButton{Fonts::body(), this}),
       note_(new Paragraph{Fonts::caption(), this}),
+      start_(new QWidget{this}),
+      startTitle_(new TextLabel{Fonts::body(), start_}),
+      startSwitch_(new Switch{start_}),
+      startRefusal_(new Paragraph{Fonts::caption(), this}),
       copied_(new QTimer{this})
 {
     arrange();
@@ -35,7 +40,9 @@ AboutPage::AboutPage(QWidget* parent)
         connect(links_[i], &Pressable::chosen, this,
                 [this, i] { Q_EMIT openURL(QUrl{toQString(model_.links[i].url)}); });
     }
+    relay(startSwitch_.action);
     connect(copy_.action, &ButtonAction::acted, this, &AboutPage::copy);
+    version_->installEventFilter(this);
     copied_->setSingleShot(true);
     copied_->setInterval(std::chrono::duration_cast<std::chrono::milliseconds>(AboutModel::copiedTime));
     connect(copied_, &QTimer::timeout, this, [this] { Q_EMIT acted(SettingsActions::ShowCopied{false}); });
@@ -64,9 +71,25 @@ void AboutPage::arrange()
     note_->setMaximumWidth(widestNote);
     note->addWidget(note_);
     column->addLayout(note);
+    column->addSpacing(gap);
+    arrangeStart();
+    column->addWidget(start_, 0, Qt::AlignHCenter);
+    column->addWidget(startRefusal_);
     column->addStretch(3);
-    for (Paragraph* const each : {name_, version_, note_}) each->setAlignment(Qt::AlignHCenter);
+    for (Paragraph* const each : {name_, version_, note_, startRefusal_}) each->setAlignment(Qt::AlignHCenter);
     for (Paragraph* const each : {version_, note_}) each->setTint(Tint::secondary);
+    startRefusal_->setTint(Tint::red);
+}
+
+void AboutPage::arrangeStart()
+{
+    constexpr int gap = 8;
+    startTitle_->setText(toQString(AboutModel::startTitle));
+    auto* const line = new QHBoxLayout{start_};
+    line->setContentsMargins(0, 0, 0, 0);
+    line->setSpacing(gap);
+    line->addWidget(startTitle_);
+    line->addWidget(startSwitch_.button);
 }
 
 void AboutPage::setModel(const AboutModel& model)
@@ -77,6 +100,22 @@ void AboutPage::setModel(const AboutModel& model)
     for (std::size_t i = 0; i < links_.size(); ++i) links_[i]->setTitle(toQString(model_.links[i].title));
     copy_.setModel(model_.copy);
     note_->setText(toQString(model_.note));
+    start_->setVisible(model_.startAtLogin.has_value());
+    startRefusal_->setVisible(model_.startRefusal.has_value());
+    startRefusal_->setText(toQString(model_.startRefusal.value_or("")));
+    if (!model_.startAtLogin) return;
+    startSwitch_.button->setTitle({}, toQString(model_.startAtLogin->accessibilityLabel));
+    startSwitch_.button->setOn(model_.startAtLogin->on);
+    startSwitch_.action->setAction(model_.startAtLogin->action);
+}
+
+bool AboutPage::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == version_ &&
+        (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick)) {
+        Q_EMIT versionTapped();
+    }
+    return FormView::eventFilter(watched, event);
 }
 
 void AboutPage::copy(const SettingsAction& action)

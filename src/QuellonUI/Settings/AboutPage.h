@@ -4,6 +4,8 @@
 #include "QuellonUI/Kit/LinkButton.h"
 #include "QuellonUI/Kit/Paragraph.h"
 #include "QuellonUI/Kit/PushButton.h"
+#include "QuellonUI/Kit/Switch.h"
+#include "QuellonUI/Kit/TextLabel.h"
 #include "QuellonUI/Settings/Form/ButtonAction.h"
 #include "QuellonUI/Settings/Form/FormView.h"
 
@@ -25,6 +27,11 @@ public:
 Q_SIGNALS:
     /// A link was pressed.
     void openURL(const QUrl& url);
+    /// The text of the version was pressed, once for each press of a double click.
+    void versionTapped();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     AboutModel model_;
@@ -33,9 +40,14 @@ private:
     std::array<LinkButton*, 2> links_;
     FormPress<PushButton> copy_;
     Paragraph* note_;
+    QWidget* start_; ///< The switch with its title.
+    TextLabel* startTitle_;
+    FormPress<Switch> startSwitch_;
+    Paragraph* startRefusal_;
     QTimer* copied_; ///< Until the button reads as usual again.
 
     void arrange();
+    void arrangeStart();
     void copy(const SettingsAction& action);
 };
 

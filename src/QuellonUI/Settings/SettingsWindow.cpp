@@ -128,7 +128,10 @@ void SettingsWindow::showPage(const AboutModel& page)
 {
     const bool isNew = about_ == nullptr;
     open(about_, true).setModel(page);
-    if (isNew) connect(about_, &AboutPage::openURL, this, &SettingsWindow::openURL);
+    if (isNew) {
+        connect(about_, &AboutPage::openURL, this, &SettingsWindow::openURL);
+        connect(about_, &AboutPage::versionTapped, this, &SettingsWindow::versionTapped);
+    }
 }
 
 template <typename Content, typename Model>

@@ -38,6 +38,8 @@ Q_SIGNALS:
     void acted(const SettingsAction& action);
     /// A link of the page about the program was pressed.
     void openURL(const QUrl& url);
+    /// The version on that page was pressed.
+    void versionTapped();
     /// The window stands somewhere else now.
     void moved();
     void closed();

@@ -50,7 +50,7 @@ TEST(AboutModel, texts)
 {
     SettingsWorld world;
     const AboutModel::Build build{"1.2.0", "7", "14.5.0"};
-    auto shown = AboutModel::of(world.engine, build, world.state.copied);
+    auto shown = AboutModel::of(world.engine, build, world.state);
     EXPECT_EQ(shown.name, "Quellon Pro");
     EXPECT_EQ(shown.version, "1.2.0 (7)");
     EXPECT_EQ(shown.links[0], (AboutModel::Link{"Website", "https://quellon.example"}));
@@ -62,11 +62,11 @@ TEST(AboutModel, texts)
                           "guard is on. No app names, no traffic data.");
 
     world.does(shown.copy.action);
-    const auto copied = AboutModel::of(world.engine, build, world.state.copied).copy;
+    const auto copied = AboutModel::of(world.engine, build, world.state).copy;
     EXPECT_EQ(copied.title, "Copied ✓");
     EXPECT_EQ(copied.accessibilityLabel, "Copied ✓") << "who does not see it is told as well";
     world.does(SettingsActions::ShowCopied{false});
-    EXPECT_EQ(AboutModel::of(world.engine, build, world.state.copied).copy.title, "Copy diagnostics");
+    EXPECT_EQ(AboutModel::of(world.engine, build, world.state).copy.title, "Copy diagnostics");
 }
 
 TEST(AboutModel, onLinuxInTheSmallEdition)
@@ -76,12 +76,28 @@ TEST(AboutModel, onLinuxInTheSmallEdition)
     GuardEngine::TickInputs home;
     home.status = {false, "en0", "en0"};
     world.engine.apply(home);
-    const auto shown = AboutModel::of(world.engine, {{}, {}, "6.1.0"}, false);
+    const auto shown = AboutModel::of(world.engine, {{}, {}, "6.1.0"}, {});
     EXPECT_EQ(shown.name, "Quellon");
     EXPECT_EQ(shown.version, "dev");
     EXPECT_EQ(shown.diagnostics, "Quellon dev\nLinux 6.1.0\nGuard: off\nNetwork: not metered");
     EXPECT_EQ(shown.note, "Paste it into your email — it only contains the app version, Linux version and whether the "
                           "guard is on. No app names, no traffic data.");
+}
+
+TEST(AboutModel, startAtLogin)
+{
+    SettingsWorld world;
+    const AboutModel::Build build{"1.2.0", "7", "14.5.0"};
+    world.state.startRefusal = "no room";
+    EXPECT_EQ(AboutModel::of(world.engine, build, world.state).startAtLogin, std::nullopt);
+    EXPECT_EQ(AboutModel::of(world.engine, build, world.state).startRefusal, std::nullopt);
+    world.state.startsAtLogin = false;
+    const auto off = AboutModel::of(world.engine, build, world.state);
+    EXPECT_EQ(off.startAtLogin, (FormSwitch{"Start at login", false, SettingsActions::SetStartAtLogin{true}}));
+    EXPECT_EQ(off.startRefusal, "no room");
+    world.state.startsAtLogin = true;
+    const auto on = AboutModel::of(world.engine, build, world.state);
+    EXPECT_EQ(on.startAtLogin, (FormSwitch{"Start at login", true, SettingsActions::SetStartAtLogin{false}}));
 }
 
 } // namespace

@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QClipboard>
+#include <QMouseEvent>
 #include <QTimer>
 #include <QUrl>
 
@@ -17,6 +19,12 @@ class AboutPageTest : public testing::Test {
 protected:
     SettingsView view;
     AboutPageTest() { view.open(SettingsTab::about); }
+    static void mouse(QWidget& on, QEvent::Type type)
+    {
+        const QPointF centre = on.rect().center();
+        QMouseEvent event{type, centre, on.mapToGlobal(centre), Qt::LeftButton, Qt::LeftButton, Qt::NoModifier};
+        QApplication::sendEvent(&on, &event);
+    }
     AboutModel page() const { return std::get<AboutModel>(view.model().page); }
 };
 
@@ -62,6 +70,40 @@ TEST_F(AboutPageTest, diagnosticsAreCopied)
     ASSERT_TRUE(QMetaObject::invokeMethod(running, "timeout", Qt::DirectConnection));
     EXPECT_THAT(view.all<ShowCopied>(), ElementsAre(ShowCopied{true}, ShowCopied{false}));
     EXPECT_EQ(button->text(), QStringLiteral("Copy diagnostics"));
+}
+
+TEST_F(AboutPageTest, eachPressOnTheVersionIsToldOfAndNoOther)
+{
+    int taps = 0;
+    QObject::connect(&view.window, &SettingsWindow::versionTapped, &view.window, [&] { ++taps; });
+    QWidget* const version = label(view.window, page().version);
+    ASSERT_NE(version, nullptr);
+    for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick,
+                            QEvent::MouseButtonRelease}) {
+        mouse(*version, type);
+    }
+    EXPECT_EQ(taps, 2);
+    QWidget* const note = label(view.window, page().note);
+    ASSERT_NE(note, nullptr);
+    mouse(*note, QEvent::MouseButtonPress);
+    EXPECT_EQ(taps, 2);
+}
+
+TEST_F(AboutPageTest, startAtLogin)
+{
+    EXPECT_EQ(label(view.window, "Start at login"), nullptr) << "nobody knows the session";
+    view.state.startsAtLogin = false;
+    view.refresh();
+    auto& start = view.the<Switch>("Start at login");
+    EXPECT_EQ(role(&start), QAccessible::CheckBox);
+    EXPECT_FALSE(start.isChecked());
+    view.click("Start at login");
+    EXPECT_THAT(view.all<SetStartAtLogin>(), ElementsAre(SetStartAtLogin{true}));
+    view.state.startsAtLogin = true;
+    view.state.startRefusal = "no room";
+    view.refresh();
+    EXPECT_TRUE(start.isChecked());
+    EXPECT_NE(label(view.window, "no room"), nullptr);
 }
 
 } // namespace
