@@ -131,6 +131,15 @@ class DesktopCase(unittest.TestCase):
             self.press_tab(focused, backwards)
         raise AssertionError(f"Tab does not reach \"{name}\", only {passed}")
 
+    def choose(self, name: str, *keys: str):
+        """Opens the list of a box by keyboard, goes on from the present choice by these keys, and chooses."""
+        self.tab_to(name)
+        box = self.quellon.tree.focused()
+        self.screen.press("Down")
+        self.wait_until(lambda: box.find("list"), f"the list of \"{name}\"")
+        self.screen.press(*keys, "Return")
+        self.wait_until(lambda: not box.find("list"), f"the end of the list of \"{name}\"")
+
     def press_tab(self, focused, backwards: bool = False):
         """Presses Tab and waits until another control than `focused` has the keyboard."""
         before = focused and (focused.name, focused.area)

@@ -5,6 +5,7 @@
 
 #include <QAbstractItemView>
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QSignalBlocker>
 #include <QStyleOptionComboBox>
 #include <QStylePainter>
@@ -21,6 +22,24 @@ QString elided(const QComboBox& box, const QStyleOptionComboBox& option)
 {
     const QRect area = box.style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, &box);
     return box.fontMetrics().elidedText(box.currentText(), Qt::ElideMiddle, area.width() - 2);
+}
+
+/// Whether the key is for a list: it moves in it, or it begins a title.
+bool isOfList(const QKeyEvent& event)
+{
+    switch (event.key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+    case Qt::Key_Home:
+    case Qt::Key_End:
+        return true;
+    default:
+        break;
+    }
+    const bool isPlain = !(event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+    return isPlain && !event.text().isEmpty() && event.text().at(0).isPrint();
 }
 
 } // namespace
@@ -48,7 +67,8 @@ void ChoiceBox::take(const FormChoice& model)
     const auto title = [](const FormChoice::Option& option) { return option.title; };
     const bool sameTitles = std::ranges::equal(model.options, model_.options, {}, title, title);
     model_ = model;
-    setAccessibleName(toQString(model_.accessibilityLabel));
+    const QString name = toQString(model_.accessibilityLabel);
+    if (accessibleName() != name) setAccessibleName(name);
     if (!sameTitles) fill();
 }
 
@@ -101,6 +121,24 @@ void ChoiceBox::paintEvent(QPaintEvent* /*event*/)
     painter.drawComplexControl(QStyle::CC_ComboBox, option);
     option.currentText = elided(*this, option);
     painter.drawControl(QStyle::CE_ComboBoxLabel, option);
+}
+
+void ChoiceBox::keyPressEvent(QKeyEvent* event)
+{
+    const bool opens = event->key() == Qt::Key_Space || event->key() == Qt::Key_F4;
+    if (!isOfList(*event) || opens) {
+        // The toolkit takes every other key that has a text for the beginning of a title.
+        if (opens)
+            QComboBox::keyPressEvent(event);
+        else
+            event->ignore();
+        return;
+    }
+    showPopup();
+    if (event->text().isEmpty()) return;
+    const auto found =
+        model()->match(view()->currentIndex(), Qt::DisplayRole, event->text(), 1, Qt::MatchStartsWith | Qt::MatchWrap);
+    if (!found.isEmpty()) view()->setCurrentIndex(found.first());
 }
 
 void ChoiceBox::wheelEvent(QWheelEvent* event)

@@ -6,8 +6,8 @@
 
 namespace quellon {
 
-/// One of several, as a box that opens a list. The wheel scrolls what is around it and never changes it. Titles that
-/// are too long for it are elided in the middle.
+/// One of several, as a box that opens a list. Keys open the list and choose in it only; the wheel scrolls what is
+/// around the box and never changes it. Titles that are too long for it are elided in the middle.
 class ChoiceBox final : public QComboBox {
     Q_OBJECT
 public:
@@ -21,6 +21,7 @@ Q_SIGNALS:
     void acted(const SettingsAction& action);
 
 protected:
+    void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     bool event(QEvent* event) override;
