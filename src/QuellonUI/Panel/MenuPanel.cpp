@@ -120,6 +120,7 @@ void MenuPanel::openAt(const QPoint& anchor, const QRect& freeArea)
     if (content_ == nullptr) make();
     if (!isOpen_) {
         isComposed_ = hasCompositor();
+        sinceLeft_.invalidate();
         area_->verticalScrollBar()->setValue(0);
     }
     const bool opens = !isOpen_;
