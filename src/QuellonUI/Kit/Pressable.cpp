@@ -9,6 +9,13 @@
 
 namespace quellon {
 
+namespace {
+
+/// The button that the mouse pressed last; only to be compared.
+const Pressable* pressedLast = nullptr;
+
+} // namespace
+
 Pressable::Pressable(QWidget* parent) : QAbstractButton(parent)
 {
     setAttribute(Qt::WA_Hover);
@@ -18,6 +25,11 @@ Pressable::Pressable(QWidget* parent) : QAbstractButton(parent)
     connect(this, &QAbstractButton::clicked, this, [this] {
         if (counts_) Q_EMIT chosen();
     });
+}
+
+Pressable::~Pressable()
+{
+    if (pressedLast == this) pressedLast = nullptr;
 }
 
 void Pressable::setTitle(const QString& title, const QString& accessibleName)
@@ -54,6 +66,17 @@ void Pressable::keyPressEvent(QKeyEvent* event)
     }
     // A key that is kept down presses once.
     if (!event->isAutoRepeat()) click();
+}
+
+void Pressable::mousePressEvent(QMouseEvent* event)
+{
+    pressedLast = this;
+    QAbstractButton::mousePressEvent(event);
+}
+
+void Pressable::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    if (pressedLast == this) mousePressEvent(event);
 }
 
 void Pressable::mouseMoveEvent(QMouseEvent* event)

@@ -57,6 +57,26 @@ private:
     void TestBody() override {}
 };
 
+TEST_F(PressableTest, theSecondHalfOfADoubleClickCountsWhereTheFirstOneDid)
+{
+    const QPoint middle = button.rect().center();
+    const auto clickTwice = [&](QWidget& first) {
+        sendMouse(first, QEvent::MouseButtonPress, first.rect().center());
+        sendMouse(first, QEvent::MouseButtonRelease, first.rect().center());
+        sendMouse(button, QEvent::MouseButtonDblClick, middle);
+        sendMouse(button, QEvent::MouseButtonRelease, middle);
+    };
+    PushButton other{Fonts::callout()};
+    clickTwice(other);
+    EXPECT_EQ(chosen, 0) << "it has come under the pointer meanwhile";
+    EXPECT_FALSE(button.isDown());
+    clickTwice(button);
+    EXPECT_EQ(chosen, 2);
+    sendMouse(button, QEvent::MouseButtonPress, middle);
+    sendMouse(button, QEvent::MouseButtonRelease, middle);
+    EXPECT_EQ(chosen, 3);
+}
+
 TEST_F(PressableTest, aPressCountsForWhatStoodThereThroughout)
 {
     struct Case {
