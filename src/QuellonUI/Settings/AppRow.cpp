@@ -34,6 +34,7 @@ AppRow::AppRow(QWidget* parent)
     line->addWidget(app_, 1);
     line->addWidget(policy_);
     line->addWidget(remove_.button);
+    app_->setSelectable();
     relay(details_.action);
     relay(policy_);
     relay(remove_.action);
@@ -67,6 +68,7 @@ CandidateRow::CandidateRow(QWidget* parent)
     line->addWidget(bytes_);
     line->addWidget(block_.button);
     line->addWidget(never_.button);
+    app_->setSelectable();
     bytes_->setTint(Tint::secondary);
     for (ButtonAction* const each : {details_.action, block_.action, never_.action}) relay(each);
 }

@@ -59,6 +59,41 @@ TEST_F(TextTest, tintsDiffer)
     }
 }
 
+TEST_F(TextTest, aSelectableLabelIsCopiedWholeEvenWhereItIsCut)
+{
+    TextLabel label{Fonts::body()};
+    label.setSelectable();
+    label.setTint(Tint::red);
+    const QString whole = QStringLiteral("an-application-with-a-name-that-does-not-fit");
+    label.setText(whole);
+    for (const int width : {label.sizeHint().width(), 120}) {
+        SCOPED_TRACE(width);
+        label.resize(width, label.sizeHint().height());
+        label.show();
+        EXPECT_EQ(label.shownText() == whole, width != 120);
+        label.setSelection(0, 0);
+        const QImage before = grabbed(label);
+        EXPECT_GT(count(before, Theme::light().badText), 0) << "in its colour";
+        EXPECT_EQ(count(before, Theme::light().accent), 0);
+        sendMouse(label, QEvent::MouseButtonPress, {2, label.height() / 2});
+        sendMouse(label, QEvent::MouseButtonRelease, {2, label.height() / 2});
+        EXPECT_FALSE(label.hasSelectedText());
+        label.setFocus(Qt::MouseFocusReason);
+        QKeyEvent all{QEvent::KeyPress, Qt::Key_A, Qt::ControlModifier};
+        QApplication::sendEvent(&label, &all);
+        EXPECT_EQ(label.selectedText(), whole);
+        EXPECT_GT(count(grabbed(label), Theme::light().accent), width) << "the selection is seen";
+        QKeyEvent copy{QEvent::KeyPress, Qt::Key_C, Qt::ControlModifier};
+        QApplication::sendEvent(&label, &copy);
+        EXPECT_EQ(QApplication::clipboard()->text(), whole);
+    }
+    label.setSelection(0, 0);
+    sendMouse(label, QEvent::MouseButtonPress, {2, label.height() / 2});
+    sendMouse(label, QEvent::MouseMove, {60, label.height() / 2});
+    sendMouse(label, QEvent::MouseButtonRelease, {60, label.height() / 2});
+    EXPECT_EQ(label.selectedText(), whole) << "where it is cut there are no parts";
+}
+
 TEST_F(TextTest, labelsAreCutInTheMiddleAndTellTheWhole)
 {
     TextLabel label{Fonts::body()};
