@@ -14,6 +14,7 @@ QuestionCard::QuestionCard(QWidget* parent)
     : FormView(parent),
       title_(new Paragraph{Fonts::title(), this}),
       changes_(new Paragraph{Fonts::body()}),
+      scroll_(new PageScroll{*changes_, this}),
       keep_(new PushButton{Fonts::body(), this}),
       replace_(new PushButton{Fonts::body(), this})
 {
@@ -21,7 +22,7 @@ QuestionCard::QuestionCard(QWidget* parent)
     SettingsMetrics::setSheet(*column);
     column->addWidget(title_);
     changes_->setAlignment(Qt::AlignTop);
-    column->addWidget(new PageScroll{*changes_, this}, 1);
+    column->addWidget(scroll_, 1);
     auto* const buttons = new QHBoxLayout;
     buttons->addStretch(1);
     buttons->addWidget(keep_.button);
@@ -36,6 +37,7 @@ void QuestionCard::setModel(const PlanTabModel::Question& model)
 {
     title_->setText(toQString(model.title));
     setWindowTitle(title_->text()); // The sheet's name.
+    scroll_->takeKeyboard(title_->text());
     QStringList changes;
     for (const std::string& each : model.changes) changes += toQString(each);
     changes_->setText(changes.join(QLatin1Char{'\n'}));

@@ -8,6 +8,8 @@
 
 namespace quellon {
 
+class PageScroll;
+
 /// The question before rules are lost.
 class QuestionCard final : public FormView {
     Q_OBJECT
@@ -21,6 +23,7 @@ public:
 private:
     Paragraph* title_;
     Paragraph* changes_;
+    PageScroll* scroll_;
     FormPress<PushButton> keep_;
     FormPress<PushButton> replace_;
 };
