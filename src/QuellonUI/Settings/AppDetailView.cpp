@@ -73,8 +73,6 @@ void AppDetailView::arrange()
     arrangeHeader(*column);
     column->addWidget(new Divider{this});
     arrangeSections();
-    // The keyboard scrolls it: there may be nothing in it to go to.
-    scroll_->setFocusPolicy(Qt::TabFocus);
     column->addWidget(scroll_, 1);
     column->addWidget(new Divider{this});
     bottom_->setContentsMargins(margin, cardPadding, margin, cardPadding);
@@ -94,6 +92,7 @@ void AppDetailView::arrangeHeader(QVBoxLayout& column)
     names->setSpacing(1);
     names->addWidget(app_);
     names->addWidget(subtitle_);
+    for (TextLabel* const each : {app_, subtitle_, lastHourBytes_}) each->setSelectable();
     subtitle_->setTint(Tint::secondary);
     header->addLayout(names, 1);
     header->addWidget(policy_);
@@ -103,7 +102,9 @@ void AppDetailView::arrangeHeader(QVBoxLayout& column)
 void AppDetailView::arrangeSections()
 {
     arrangeIdentity();
-    makeColumn(*unknownCard_)->addWidget(unknown_);
+    auto* const unknown = makeColumn(*unknownCard_);
+    unknown->setContentsMargins(cardPadding - LookupSection::inset, cardPadding, cardPadding, cardPadding);
+    unknown->addWidget(unknown_);
     auto* const usage = makeColumn(*usage_);
     addHeading(*usage_, AppDetailModel::usageHeading);
     auto* const stat = new QHBoxLayout;
@@ -143,6 +144,7 @@ void AppDetailView::setModel(const AppDetailModel& model)
     model_ = model;
     app_->setText(toQString(model_.app));
     setWindowTitle(app_->text()); // The sheet's name.
+    scroll_->takeKeyboard(app_->text());
     subtitle_->setText(toQString(model_.subtitle.value_or("")));
     subtitle_->setVisible(model_.subtitle.has_value());
     policy_->setModel(model_.policy);

@@ -29,8 +29,6 @@ LookupSection::LookupSection(QWidget* parent)
     column->addWidget(progress_);
     column->addWidget(consent_);
     auto* const explain = new QHBoxLayout;
-    // Its text stands in line with the others.
-    explain->setContentsMargins(-LinkButton::sidePadding, 0, 0, 0);
     explain->addWidget(explain_.button);
     explain->addStretch(1);
     column->addLayout(explain);
@@ -38,6 +36,10 @@ LookupSection::LookupSection(QWidget* parent)
     failure_->setTint(Tint::orange);
     arrangeProgress();
     arrangeConsent();
+    // The links have the room for their grounds to the left of it.
+    for (Paragraph* const each : {text_, consentTitle_, consentText_, failure_}) {
+        each->setContentsMargins(inset, 0, 0, 0);
+    }
     for (const auto& each : {allow_, decline_, explain_}) relay(each.action);
 }
 
@@ -45,7 +47,7 @@ void LookupSection::arrangeProgress()
 {
     constexpr int gap = 8;
     auto* const line = new QHBoxLayout{progress_};
-    line->setContentsMargins(0, 0, 0, 0);
+    line->setContentsMargins(inset, 0, 0, 0);
     line->setSpacing(gap);
     line->addWidget(spinner_);
     line->addWidget(lookingUp_, 1);
@@ -60,7 +62,6 @@ void LookupSection::arrangeConsent()
     column->addWidget(consentText_);
     consentText_->setTint(Tint::secondary);
     auto* const buttons = new QHBoxLayout;
-    buttons->setContentsMargins(-LinkButton::sidePadding, 0, 0, 0);
     buttons->addWidget(allow_.button);
     buttons->addWidget(decline_.button);
     buttons->addStretch(1);

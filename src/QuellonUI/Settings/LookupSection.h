@@ -10,10 +10,13 @@ namespace quellon {
 
 class Spinner;
 
-/// What stands in the details of an application of which nothing is known: the way to look it up.
+/// What stands in the details of an application of which nothing is known: the way to look it up. Its texts stand
+/// `inset` points from its left edge.
 class LookupSection final : public FormView {
     Q_OBJECT
 public:
+    static constexpr int inset = LinkButton::sidePadding;
+
     explicit LookupSection(QWidget* parent = nullptr);
 
     void setModel(const AppDetailModel::Unknown& model);

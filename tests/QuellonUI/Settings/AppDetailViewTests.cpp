@@ -129,6 +129,18 @@ TEST_F(AppDetailViewTest, pauseControls)
     EXPECT_EQ(named(view.window, "Stop muting helperd"), nullptr) << "the engine has muted nothing";
 }
 
+TEST_F(AppDetailViewTest, whatIsToldOfAnApplicationCanBeCopied)
+{
+    details("ollama");
+    const auto detail = *view.model().detail;
+    for (const std::string& text : {detail.app, *detail.subtitle, detail.lastHour.value, detail.identity->whatItIs}) {
+        SCOPED_TRACE(text);
+        QLabel* const shown = label(view.window, text);
+        ASSERT_NE(shown, nullptr);
+        EXPECT_TRUE(shown->textInteractionFlags().testFlag(Qt::TextSelectableByMouse));
+    }
+}
+
 TEST_F(AppDetailViewTest, textsOfOthersAreNoMarkup)
 {
     details("<b>evil</b>");

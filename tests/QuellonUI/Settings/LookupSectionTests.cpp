@@ -59,5 +59,27 @@ TEST_F(LookupSectionTest, theKeyboardStaysWhereElseItIs)
     EXPECT_EQ(window_.focusWidget(), other_) << "there is nothing left to press";
 }
 
+TEST_F(LookupSectionTest, textsStandInLine)
+{
+    question_.failure = "No answer.";
+    offer_.failure = "No answer.";
+    for (const auto& model : {offer_, question_}) {
+        section_->setModel(model);
+        QApplication::processEvents();
+        std::vector<int> lefts;
+        for (QWidget* const each : section_->findChildren<QWidget*>()) {
+            if (!each->isVisible()) continue;
+            const int left = each->mapTo(section_, QPoint{}).x();
+            if (auto* const text = qobject_cast<Paragraph*>(each))
+                lefts.push_back(left + text->contentsMargins().left());
+            else if (auto* const link = qobject_cast<LinkButton*>(each);
+                     link != nullptr && link->accessibleName() != QStringLiteral("Decline online app lookups"))
+                lefts.push_back(left + LinkButton::sidePadding);
+        }
+        ASSERT_GE(lefts.size(), 3U);
+        for (const int each : lefts) EXPECT_EQ(each, LookupSection::inset);
+    }
+}
+
 } // namespace
 } // namespace quellon
