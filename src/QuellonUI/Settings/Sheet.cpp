@@ -1,5 +1,6 @@
 #include "QuellonUI/Settings/Sheet.h"
 
+#include "QuellonUI/Kit/Pressable.h"
 #include "QuellonUI/Settings/Form/FocusOrder.h"
 #include "QuellonUI/Theme.h"
 
@@ -30,11 +31,14 @@ void Sheet::present(QWidget& first)
 {
     if (isPresented()) return;
     former_ = window()->focusWidget();
+    // What it came from was pressed by keyboard when that shows where the keyboard is.
+    const auto* const pressed = qobject_cast<Pressable*>(former_);
+    const bool byKeyboard = pressed != nullptr && pressed->showsFocus();
     setGeometry(parentWidget()->rect());
     fit();
     raise();
     show();
-    first.setFocus(Qt::PopupFocusReason);
+    first.setFocus(byKeyboard ? Qt::TabFocusReason : Qt::MouseFocusReason);
 }
 
 void Sheet::dismiss()

@@ -14,12 +14,11 @@ public:
     /// `content` becomes a child. `window` is what is covered.
     Sheet(QWidget& window, QWidget& content);
 
-    /// Comes up, with the focus on `first`; stays as it is when it is up.
+    /// Comes up, with the focus on `first`, which shows that it has it when the focus was shown before; stays as it is
+    /// when it is up.
     void present(QWidget& first);
     void dismiss();
     [[nodiscard]] bool isPresented() const { return !isHidden(); }
-    /// Fits the card to what it holds now.
-    void fit();
 
 Q_SIGNALS:
     /// Escape was pressed. Whether that ends the sheet is the receiver's business.
@@ -35,6 +34,9 @@ protected:
 private:
     QWidget& content_;
     QPointer<QWidget> former_; ///< What had the focus before.
+
+    /// Fits the card to what it holds now.
+    void fit();
 };
 
 } // namespace quellon
