@@ -7,6 +7,7 @@
 #include "QuellonUI/Theme.h"
 
 #include <QHBoxLayout>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 namespace quellon {
@@ -17,6 +18,7 @@ AppPicker::AppPicker(QWidget* parent)
       text_(new Paragraph{Fonts::caption(), this}),
       filter_(new FieldEdit{this}),
       list_(new QWidget),
+      scroll_(new PageScroll{*list_, this}),
       rowColumn_(new QVBoxLayout),
       rows_(
           *rowColumn_, [this] { return makeRow(); },
@@ -48,7 +50,7 @@ void AppPicker::arrange()
     auto* const card = new Card{this};
     auto* const inside = new QVBoxLayout{card};
     inside->setContentsMargins(1, 1, 1, 1);
-    inside->addWidget(new PageScroll{*list_, card});
+    inside->addWidget(scroll_);
     column->addWidget(card, 1);
     auto* const buttons = new QHBoxLayout;
     buttons->addStretch(1);
@@ -67,10 +69,17 @@ CandidateRow* AppPicker::makeRow()
 void AppPicker::setModel(const AppPickerModel& model)
 {
     filter_->setPlaceholderText(toQString(model.filter.label));
-    filter_->setAccessibleName(toQString(model.filter.accessibilityLabel));
+    const QString name = toQString(model.filter.accessibilityLabel);
+    if (filter_->accessibleName() != name) filter_->setAccessibleName(name);
     filter_->setModelText(toQString(model.filter.text));
     if (rows_.setModels(model.rows)) FocusOrder::follow(*window());
     cancel_.setModel(model.cancel);
+}
+
+void AppPicker::showEvent(QShowEvent* event)
+{
+    FormView::showEvent(event);
+    scroll_->verticalScrollBar()->setValue(0);
 }
 
 QSize AppPicker::sizeHint() const

@@ -10,6 +10,8 @@ class QVBoxLayout;
 
 namespace quellon {
 
+class PageScroll;
+
 /// The list from which an application is picked for a policy.
 class AppPicker final : public FormView {
     Q_OBJECT
@@ -20,11 +22,15 @@ public:
     [[nodiscard]] QWidget& firstControl() const { return *filter_; }
     [[nodiscard]] QSize sizeHint() const override;
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
     TextLabel* title_;
     Paragraph* text_;
     FieldEdit* filter_;
     QWidget* list_;
+    PageScroll* scroll_;
     QVBoxLayout* rowColumn_;
     RowList<CandidateRow, AppPickerModel::Row> rows_;
     FormPress<PushButton> cancel_;

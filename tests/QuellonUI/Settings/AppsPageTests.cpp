@@ -5,6 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QScrollArea>
+#include <QScrollBar>
+
 namespace quellon {
 namespace {
 
@@ -218,6 +221,31 @@ TEST_F(AppPickerTest, aPressOnAButtonThatMovedAwayDoesNotCount)
     QApplication::sendEvent(&button, &up);
     EXPECT_EQ(policy("firefox"), AppPolicy::global);
     EXPECT_EQ(policy("cloud-sync"), AppPolicy::global);
+}
+
+TEST_F(AppPickerTest, beginsAtTheTopEachTime)
+{
+    view.click("Cancel");
+    for (int i = 0; i < 30; ++i) {
+        const std::string app = "app-" + std::to_string(i);
+        view.move({{app, 0}});
+        view.move({{app, mega}});
+    }
+    view.click("Add an app to the policy list");
+    auto* const row = &view.the<QWidget>("Details for cloud-sync");
+    QScrollArea* list = nullptr;
+    for (QWidget* each = row; each != nullptr && list == nullptr; each = each->parentWidget()) {
+        list = qobject_cast<QScrollArea*>(each);
+    }
+    ASSERT_NE(list, nullptr);
+    QScrollBar& bar = *list->verticalScrollBar();
+    bar.setValue(bar.maximum());
+    ASSERT_GT(bar.value(), 0);
+    view.refresh();
+    EXPECT_GT(bar.value(), 0) << "a new model leaves it where it is";
+    view.click("Cancel");
+    view.click("Add an app to the policy list");
+    EXPECT_EQ(bar.value(), 0);
 }
 
 } // namespace
