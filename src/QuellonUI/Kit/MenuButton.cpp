@@ -17,6 +17,10 @@ namespace {
 constexpr int topPadding = 2;
 constexpr int symbolGap = 4;
 constexpr double radius = 5.0;
+// With a ground.
+constexpr int groundSidePadding = 12;
+constexpr int groundTopPadding = 5;
+constexpr double groundRadius = 6.0;
 
 /// What a screen reader sees: a button that opens a menu.
 class MenuButtonAccessible final : public QAccessibleWidget {
@@ -78,6 +82,23 @@ void MenuButton::setTint(Tint tint)
     update();
 }
 
+void MenuButton::setGround()
+{
+    hasGround_ = true;
+    updateGeometry();
+    update();
+}
+
+int MenuButton::side() const
+{
+    return hasGround_ ? groundSidePadding : sidePadding;
+}
+
+int MenuButton::top() const
+{
+    return hasGround_ ? groundTopPadding : topPadding;
+}
+
 int MenuButton::symbolRoom(const std::string& symbol) const
 {
     return symbol.empty() ? 0 : fontMetrics().height() - 1 + symbolGap;
@@ -90,20 +111,19 @@ QString MenuButton::title() const
 
 QString MenuButton::shownTitle() const
 {
-    const int room = width() - symbolRoom(before_) - symbolRoom(behind_) - 2 * sidePadding;
+    const int room = width() - symbolRoom(before_) - symbolRoom(behind_) - 2 * side();
     return fontMetrics().elidedText(title(), Qt::ElideMiddle, room);
 }
 
 QSize MenuButton::sizeHint() const
 {
     const int symbols = symbolRoom(before_) + symbolRoom(behind_);
-    return {fontMetrics().horizontalAdvance(title()) + 1 + symbols + 2 * sidePadding,
-            fontMetrics().height() + 2 * topPadding};
+    return {fontMetrics().horizontalAdvance(title()) + 1 + symbols + 2 * side(), fontMetrics().height() + 2 * top()};
 }
 
 QSize MenuButton::minimumSizeHint() const
 {
-    return {symbolRoom(before_) + symbolRoom(behind_) + 2 * sidePadding, sizeHint().height()};
+    return {symbolRoom(before_) + symbolRoom(behind_) + 2 * side(), sizeHint().height()};
 }
 
 bool MenuButton::event(QEvent* event)
@@ -115,20 +135,35 @@ bool MenuButton::event(QEvent* event)
     return Pressable::event(event);
 }
 
+void MenuButton::drawGround(QPainter& painter) const
+{
+    if (!hasGround_) {
+        drawHover(painter, QRectF{rect()}, radius);
+        if (showsFocus()) drawFocus(painter, QRectF{rect()}, radius);
+        return;
+    }
+    constexpr double gap = 1.0; // between the ground and the focus ring's outer edge
+    const QRectF area = QRectF{rect()}.adjusted(gap, gap, -gap, -gap);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Theme::of(palette()).control);
+    painter.drawRoundedRect(area, groundRadius, groundRadius);
+    drawHover(painter, area, groundRadius);
+    if (showsFocus()) drawFocus(painter, QRectF{rect()}, groundRadius + gap);
+}
+
 void MenuButton::paintEvent(QPaintEvent* /*event*/)
 {
     const Theme& theme = Theme::of(palette());
     QPainter painter{this};
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setOpacity(opacity());
-    drawHover(painter, QRectF{rect()}, radius);
-    if (showsFocus()) drawFocus(painter, QRectF{rect()}, radius);
+    drawGround(painter);
     const QColor colour = theme.textTint(tint_);
-    const int side = fontMetrics().height() - 1;
-    const int top = (height() - side) / 2;
-    const QRect area = rect().adjusted(sidePadding, 0, -sidePadding, 0);
-    drawSymbol(painter, {area.left(), top}, before_, side, colour);
-    drawSymbol(painter, {area.left() + area.width() - side, top}, behind_, side, colour);
+    const int symbol = fontMetrics().height() - 1;
+    const int symbolTop = (height() - symbol) / 2;
+    const QRect area = rect().adjusted(side(), 0, -side(), 0);
+    drawSymbol(painter, {area.left(), symbolTop}, before_, symbol, colour);
+    drawSymbol(painter, {area.left() + area.width() - symbol, symbolTop}, behind_, symbol, colour);
     painter.setPen(colour);
     painter.drawText(area.adjusted(symbolRoom(before_), 0, -symbolRoom(behind_), 0), Qt::AlignLeft | Qt::AlignVCenter,
                      shownTitle());

@@ -12,7 +12,8 @@ class QMenu;
 
 namespace quellon {
 
-/// Text without a frame that opens a menu, with a symbol before it and one behind. Long text is elided in the middle.
+/// Text that opens a menu, with a symbol before it and one behind; without a ground unless told otherwise. Long text is
+/// elided in the middle.
 class MenuButton : public Pressable {
     Q_OBJECT
 public:
@@ -24,6 +25,8 @@ public:
     /// The names of the symbols; empty for none.
     void setSymbols(std::string_view before, std::string_view behind);
     void setTint(Tint tint);
+    /// Gives it the ground of a push button, and its size.
+    void setGround();
     [[nodiscard]] QMenu& menu() const { return *menu_; }
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
@@ -37,10 +40,14 @@ private:
     std::string before_;
     std::string behind_;
     Tint tint_ = Tint::primary;
+    bool hasGround_ = false;
 
+    [[nodiscard]] int side() const;
+    [[nodiscard]] int top() const;
     [[nodiscard]] int symbolRoom(const std::string& symbol) const;
     [[nodiscard]] QString title() const;
     [[nodiscard]] QString shownTitle() const;
+    void drawGround(QPainter& painter) const;
 };
 
 } // namespace quellon

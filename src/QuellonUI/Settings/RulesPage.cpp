@@ -1,5 +1,6 @@
 #include "QuellonUI/Settings/RulesPage.h"
 
+#include "QuellonCore/Presentation/SettingsSymbols.h"
 #include "QuellonUI/Settings/Form/FocusOrder.h"
 #include "QuellonUI/Settings/Headline.h"
 #include "QuellonUI/Settings/SettingsMetrics.h"
@@ -20,8 +21,7 @@ RulesPage::RulesPage(QWidget* parent)
       rows_(
           *rowColumn_, [this] { return makeRow(); },
           [](const auto& one, const auto& other) { return one.rule == other.rule; }),
-      add_(new PushButton{Fonts::body(), this}),
-      menu_(new QMenu{this}),
+      add_(new MenuButton{Fonts::body(), this}),
       steppingRow_(new FormRow),
       steppingIn_(new ChoiceBox)
 {
@@ -39,7 +39,8 @@ RulesPage::RulesPage(QWidget* parent)
     column->addWidget(stepping);
     column->addStretch(1);
     add_->setTitle(toQString(RulesTabModel::addTitle));
-    connect(add_, &Pressable::chosen, this, &RulesPage::openMenu);
+    add_->setSymbols({}, SettingsSymbols::opensMenu);
+    add_->setGround();
     relay(steppingIn_);
 }
 
@@ -66,16 +67,11 @@ void RulesPage::setModel(const RulesTabModel& model)
 
 void RulesPage::fillMenu()
 {
-    menu_->clear();
+    add_->menu().clear();
     for (const FormButton& each : model_.add) {
-        QAction* const item = menu_->addAction(toQString(each.title));
+        QAction* const item = add_->menu().addAction(toQString(each.title));
         connect(item, &QAction::triggered, this, [this, action = each.action] { Q_EMIT acted(action); });
     }
-}
-
-void RulesPage::openMenu()
-{
-    menu_->popup(add_->mapToGlobal(QPoint{0, add_->height()}));
 }
 
 } // namespace quellon

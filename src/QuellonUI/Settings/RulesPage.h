@@ -1,13 +1,12 @@
 #pragma once
 
 #include "QuellonCore/Presentation/RulesTabModel.h"
-#include "QuellonUI/Kit/PushButton.h"
+#include "QuellonUI/Kit/MenuButton.h"
 #include "QuellonUI/Settings/Form/FormRow.h"
 #include "QuellonUI/Settings/Form/RemarkView.h"
 #include "QuellonUI/Settings/Form/RowList.h"
 #include "QuellonUI/Settings/RuleRow.h"
 
-class QMenu;
 class QVBoxLayout;
 
 namespace quellon {
@@ -30,14 +29,12 @@ private:
     Card* card_;
     QVBoxLayout* rowColumn_;
     RowList<RuleRow, RulesTabModel::Row> rows_;
-    PushButton* add_;
-    QMenu* menu_;
+    MenuButton* add_;
     FormRow* steppingRow_;
     ChoiceBox* steppingIn_;
 
     RuleRow* makeRow();
     void fillMenu();
-    void openMenu();
 };
 
 } // namespace quellon

@@ -40,7 +40,7 @@ TEST_F(RulesPageTest, controlsAndTexts)
     constexpr Case cases[] = {
         {"Enable 1min rule", QAccessible::CheckBox},       {"Enable 1h rule", QAccessible::CheckBox},
         {"Limit in megabytes", QAccessible::EditableText}, {"Action for 1min rule", QAccessible::ComboBox},
-        {"Action for 1h rule", QAccessible::ComboBox},     {"Add rule", QAccessible::Button},
+        {"Action for 1h rule", QAccessible::ComboBox},     {"Add rule", QAccessible::ButtonMenu},
         {"When stepping in", QAccessible::ComboBox},
     };
     for (const auto& c : cases) {
