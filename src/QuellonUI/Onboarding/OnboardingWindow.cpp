@@ -1,5 +1,7 @@
 #include "QuellonUI/Onboarding/OnboardingWindow.h"
 
+#include "QuellonCore/Settings/WindowPlaces.h"
+#include "QuellonUI/Kit/Centre.h"
 #include "QuellonUI/Onboarding/LimitRow.h"
 #include "QuellonUI/Settings/Form/FocusOrder.h"
 #include "QuellonUI/Settings/Form/FormRow.h"
@@ -204,7 +206,7 @@ void OnboardingWindow::showEvent(QShowEvent* event)
     QWidget::showEvent(event);
     if (event->spontaneous()) return;
     fit();
-    move(screen()->availableGeometry().center() - rect().center());
+    centre(*this, *screen());
     if (focusWidget() != nullptr) return;
     size_->edit().setFocus(Qt::OtherFocusReason);
     size_->edit().selectAll();
@@ -219,8 +221,7 @@ bool OnboardingWindow::eventFilter(QObject* watched, QEvent* event)
 
 void OnboardingWindow::fit()
 {
-    constexpr int titleHeight = 40;
-    const int most = screen()->availableGeometry().height() - titleHeight;
+    const int most = screen()->availableGeometry().height() - WindowPlaces::titleHeight;
     const int bottom = start_.button->sizeHint().height() + margin;
     setFixedHeight(std::min(most, content_->layout()->heightForWidth(width()) + bottom));
 }
