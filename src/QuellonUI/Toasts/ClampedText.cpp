@@ -1,5 +1,6 @@
 #include "QuellonUI/Toasts/ClampedText.h"
 
+#include "QuellonUI/Kit/ToolTipText.h"
 #include "QuellonUI/Theme.h"
 
 #include <QEvent>
@@ -69,7 +70,7 @@ void ClampedText::arrange()
     lines_ = std::move(lines);
     setFixedHeight(static_cast<int>(lines_.size()) * fontMetrics().lineSpacing());
     setAccessibleName(text());
-    setToolTip(cut ? text() : QString{});
+    setToolTip(cut ? toolTipOf(text()) : QString{});
     update();
 }
 
