@@ -2,9 +2,8 @@
 
 #include <QDBusConnectionInterface>
 #include <QDBusPendingCall>
-#include <QDeadlineTimer>
+#include <QDir>
 #include <QFile>
-#include <QTimer>
 #include <QUuid>
 
 #include <csignal>
@@ -21,30 +20,18 @@ constexpr int longEnough = 20'000; ///< milliseconds; what takes longer never co
 
 const char* const configuration = "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN\" "
                                   "\"http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd\">\n"
-                                  "<busconfig><listen>unix:path=%1</listen><policy context=\"default\">"
+                                  "<busconfig><listen>unix:path=%1/bus</listen><servicedir>%1/services</servicedir>"
+                                  "<policy context=\"default\">"
                                   "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/><allow own=\"*\"/>"
                                   "</policy></busconfig>\n";
 
 } // namespace
 
-bool until(const std::function<bool()>& condition)
-{
-    const QDeadlineTimer deadline{longEnough};
-    QTimer look; // events of other threads wake the loop too, but a condition need not come with an event
-    constexpr int turn = 5;
-    look.start(turn);
-    while (!condition()) {
-        if (deadline.hasExpired()) return false;
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
-    return true;
-}
-
 SessionBus::SessionBus()
 {
     QFile file{folder_.filePath(QStringLiteral("bus.conf"))};
     if (!file.open(QIODevice::WriteOnly)) return;
-    file.write(QString::fromLatin1(configuration).arg(folder_.filePath(QStringLiteral("bus"))).toUtf8());
+    file.write(QString::fromLatin1(configuration).arg(folder_.path()).toUtf8());
     file.close();
 #ifdef __linux__
     daemon_.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
@@ -60,6 +47,18 @@ SessionBus::SessionBus()
 SessionBus::~SessionBus()
 {
     stop();
+}
+
+void SessionBus::makeStartable(const QString& name, const QString& command)
+{
+    const QString services = folder_.filePath(QStringLiteral("services"));
+    QDir{}.mkpath(services);
+    QFile file{services + QLatin1Char{'/'} + name + QStringLiteral(".service")};
+    if (!file.open(QIODevice::WriteOnly)) return;
+    file.write(QStringLiteral("[D-BUS Service]\nName=%1\nExec=%2\n").arg(name, command).toUtf8());
+    file.close();
+    BusClient{*this}.call(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                          QStringLiteral("org.freedesktop.DBus"), QStringLiteral("ReloadConfig"));
 }
 
 void SessionBus::stop()

@@ -1,19 +1,15 @@
 #pragma once
 
+#include "../Until.h"
+
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QEventLoop>
 #include <QProcess>
 #include <QString>
 #include <QTemporaryDir>
 
-#include <functional>
-
 namespace quellon::testing {
-
-/// Lets events happen until the condition holds. False when it still doesn't after a time that is far too long.
-bool until(const std::function<bool()>& condition);
 
 /// A message bus of the test's own, run by the real dbus-daemon.
 class SessionBus {
@@ -26,6 +22,10 @@ public:
     /// False when this machine has no dbus-daemon.
     [[nodiscard]] bool isRunning() const { return daemon_.state() == QProcess::Running; }
     [[nodiscard]] const QString& address() const { return address_; }
+    /// From now on the bus starts `command` for whoever owns this name. `command` is a line of a service file.
+    void makeStartable(const QString& name, const QString& command);
+    /// A folder for the test.
+    [[nodiscard]] QString folder() const { return folder_.path(); }
     /// Ends the bus; every connection is cut.
     void stop();
 

@@ -1,14 +1,14 @@
 #include "QuellonUI/Notifications/DesktopNotificationCenter.h"
 
+#include "../Desktop/SessionBus.h"
 #include "FakeNotificationServer.h"
-#include "PrivateBus.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QDBusArgument>
+#include <QFile>
 
-#include <filesystem>
 #include <memory>
 #include <utility>
 
@@ -16,10 +16,10 @@ namespace quellon {
 namespace {
 
 using ::testing::ElementsAre;
-using testing::eventually;
 using testing::FakeNotificationServer;
 using ::testing::IsEmpty;
-using testing::PrivateBus;
+using testing::SessionBus;
+using testing::until;
 using enum NotificationAuthorization;
 using enum NotificationAlerts;
 using Apps = std::vector<std::string>;
@@ -30,14 +30,14 @@ constexpr std::chrono::milliseconds shortLimit{400};
 
 class DesktopNotificationCenterTest : public ::testing::Test {
 protected:
-    void SetUp() override { ASSERT_TRUE(bus.start()) << "no dbus-daemon on this machine"; }
+    void SetUp() override { ASSERT_TRUE(bus.isRunning()) << "no dbus-daemon on this machine"; }
     void TearDown() override
     {
         center.reset();
         QDBusConnection::disconnectFromBus(clientName());
     }
 
-    PrivateBus bus;
+    SessionBus bus;
     std::unique_ptr<DesktopNotificationCenter> center;
     Answers answers;
     int changes = 0;
@@ -66,7 +66,7 @@ protected:
         std::optional<NotificationSettings> result;
         center->readSettings([&result](const NotificationSettings& told) { result = told; });
         EXPECT_FALSE(result) << "in a later turn";
-        EXPECT_TRUE(eventually([&result] { return result.has_value(); }));
+        EXPECT_TRUE(until([&result] { return result.has_value(); }));
         return result.value_or(NotificationSettings{});
     }
     static NotificationRequest request(std::string category, Apps apps, std::string title = "title")
@@ -79,7 +79,7 @@ protected:
     {
         const std::size_t before = center->shown();
         center->add(request);
-        ASSERT_TRUE(eventually([this, before] { return center->shown() > before; }));
+        ASSERT_TRUE(until([this, before] { return center->shown() > before; }));
     }
     static std::size_t notified(const FakeNotificationServer& server)
     {
@@ -148,7 +148,7 @@ TEST_F(DesktopNotificationCenterTest, aServerThatNeverAnswersHoldsNothingUp)
     EXPECT_EQ(settings(), (NotificationSettings{authorized, enabled})) << "the rest is not needed";
     server->silent = {QStringLiteral("Notify")};
     center->add(request("ql.resume", {"app"}));
-    EXPECT_TRUE(eventually([&] { return notified(*server) == 1; }));
+    EXPECT_TRUE(until([&] { return notified(*server) == 1; }));
     EXPECT_EQ(settings(), (NotificationSettings{authorized, enabled}));
     EXPECT_EQ(center->shown(), 0U);
 }
@@ -160,7 +160,7 @@ TEST_F(DesktopNotificationCenterTest, requestAuthorization)
     const auto ask = [&] {
         const std::size_t before = told.size();
         center->requestAuthorization([&told](const auto& each) { told.push_back(each); });
-        ASSERT_TRUE(eventually([&] { return told.size() > before; }));
+        ASSERT_TRUE(until([&] { return told.size() > before; }));
     };
     ask();
     const auto server = makeServer();
@@ -219,11 +219,11 @@ TEST_F(DesktopNotificationCenterTest, answersCarryTheirApps)
     server->answer(2, QStringLiteral("resume"));
     server->answer(1, QStringLiteral("suspend"));
     server->answer(3, QStringLiteral("default"));
-    ASSERT_TRUE(eventually([&] { return answers.size() == 3; }));
+    ASSERT_TRUE(until([&] { return answers.size() == 3; }));
     EXPECT_THAT(answers, ElementsAre(std::pair{"resume", Apps{"two", "\xFF not UTF-8"}},
                                      std::pair{"suspend", Apps{"one"}}, std::pair{"default", Apps{"three"}}));
     EXPECT_EQ(center->shown(), 0U);
-    ASSERT_TRUE(eventually([&] { return server->callsOf(QStringLiteral("CloseNotification")).size() == 3; }));
+    ASSERT_TRUE(until([&] { return server->callsOf(QStringLiteral("CloseNotification")).size() == 3; }));
     EXPECT_EQ(server->callsOf(QStringLiteral("CloseNotification"))[0].arguments(), QVariantList{2U});
 }
 
@@ -264,7 +264,7 @@ TEST_F(DesktopNotificationCenterTest, whatIsClosedIsForgotten)
     show(request("ql.resume", {"app"}));
     server->emitSignal(QStringLiteral("NotificationClosed"), {1U, 2U});
     server->answer(1, QStringLiteral("resume"));
-    ASSERT_TRUE(eventually([&] { return center->shown() == 0; }));
+    ASSERT_TRUE(until([&] { return center->shown() == 0; }));
     static_cast<void>(settings());
     EXPECT_THAT(answers, IsEmpty());
 }
@@ -276,12 +276,12 @@ TEST_F(DesktopNotificationCenterTest, onlySoManyAreKept)
     static_cast<void>(settings());
     constexpr std::size_t most = DesktopNotificationCenter::mostShown;
     for (std::size_t i = 0; i < most + 1; ++i) center->add(request("ql.resume", {std::to_string(i)}));
-    ASSERT_TRUE(eventually([&] { return notified(*server) == most + 1; }));
+    ASSERT_TRUE(until([&] { return notified(*server) == most + 1; }));
     static_cast<void>(settings());
     EXPECT_EQ(center->shown(), most);
     server->answer(1, QStringLiteral("resume"));
     server->answer(2, QStringLiteral("resume"));
-    ASSERT_TRUE(eventually([this] { return !answers.empty(); }));
+    ASSERT_TRUE(until([this] { return !answers.empty(); }));
     EXPECT_THAT(answers, ElementsAre(std::pair{"resume", Apps{"1"}})) << "the oldest is given up";
 }
 
@@ -293,7 +293,7 @@ TEST_F(DesktopNotificationCenterTest, numbersThatLie)
         server->nextID = id;
         center->add(request("ql.resume", {"app"}));
     }
-    ASSERT_TRUE(eventually([&] { return notified(*server) == 3; }));
+    ASSERT_TRUE(until([&] { return notified(*server) == 3; }));
     static_cast<void>(settings());
     EXPECT_EQ(center->shown(), 0U);
 }
@@ -305,18 +305,18 @@ TEST_F(DesktopNotificationCenterTest, aServerThatIsKilledAndStartedAgain)
     EXPECT_EQ(settings(), (NotificationSettings{authorized, enabled}));
     show(request("ql.resume", {"old"}));
     server.reset();
-    ASSERT_TRUE(eventually([&] { return changes == 1; }));
+    ASSERT_TRUE(until([&] { return changes == 1; }));
     EXPECT_EQ(center->shown(), 0U);
     EXPECT_EQ(settings(), (NotificationSettings{denied, notSupported}));
     server = makeServer();
-    ASSERT_TRUE(eventually([&] { return changes == 2; }));
+    ASSERT_TRUE(until([&] { return changes == 2; }));
     EXPECT_EQ(settings(), (NotificationSettings{authorized, enabled}));
     server->answer(1, QStringLiteral("resume"));
     static_cast<void>(settings());
     EXPECT_THAT(answers, IsEmpty()) << "the new one's first is another than the old one's";
     show(request("ql.resume", {"new"}));
     server->answer(1, QStringLiteral("resume"));
-    ASSERT_TRUE(eventually([&] { return !answers.empty(); }));
+    ASSERT_TRUE(until([&] { return !answers.empty(); }));
     EXPECT_THAT(answers, ElementsAre(std::pair{"resume", Apps{"new"}}));
 }
 
@@ -327,9 +327,9 @@ TEST_F(DesktopNotificationCenterTest, aServerThatDiesWhileItIsAsked)
     connectCenter();
     std::optional<NotificationSettings> told;
     center->readSettings([&told](const NotificationSettings& each) { told = each; });
-    ASSERT_TRUE(eventually([&] { return !server->callsOf(QStringLiteral("GetCapabilities")).empty(); }));
+    ASSERT_TRUE(until([&] { return !server->callsOf(QStringLiteral("GetCapabilities")).empty(); }));
     server.reset();
-    ASSERT_TRUE(eventually([&] { return told.has_value(); }));
+    ASSERT_TRUE(until([&] { return told.has_value(); }));
     EXPECT_EQ(told, (NotificationSettings{denied, notSupported}));
 }
 
@@ -341,10 +341,10 @@ TEST_F(DesktopNotificationCenterTest, changesAreToldOnceTheSettingsWereRead)
     EXPECT_EQ(changes, 0) << "nobody has asked yet";
     static_cast<void>(settings());
     server->setInhibited(true);
-    ASSERT_TRUE(eventually([&] { return changes == 1; }));
+    ASSERT_TRUE(until([&] { return changes == 1; }));
     EXPECT_EQ(settings(), (NotificationSettings{authorized, disabled}));
     server->setInhibited(false);
-    ASSERT_TRUE(eventually([&] { return changes == 2; }));
+    ASSERT_TRUE(until([&] { return changes == 2; }));
     EXPECT_EQ(settings(), (NotificationSettings{authorized, enabled}));
 }
 
@@ -354,7 +354,7 @@ TEST_F(DesktopNotificationCenterTest, theBusGoes)
     connectCenter();
     EXPECT_EQ(settings(), (NotificationSettings{authorized, enabled}));
     bus.stop();
-    ASSERT_TRUE(eventually([&] { return changes > 0; }));
+    ASSERT_TRUE(until([&] { return changes > 0; }));
     EXPECT_EQ(settings(), (NotificationSettings{denied, notSupported}));
     center->add(request("ql.resume", {"app"}));
     EXPECT_EQ(settings(), (NotificationSettings{denied, notSupported}));
@@ -364,10 +364,11 @@ class StartableServer : public DesktopNotificationCenterTest {
 protected:
     void SetUp() override
     {
-        bus.makeStartable(service, "/usr/bin/touch " + bus.folder() + "/started");
         DesktopNotificationCenterTest::SetUp();
+        bus.makeStartable(QLatin1String{service}, QStringLiteral("/usr/bin/touch ") + startedFile());
     }
-    [[nodiscard]] bool isStarted() const { return std::filesystem::exists(bus.folder() + "/started"); }
+    [[nodiscard]] bool isStarted() const { return QFile::exists(startedFile()); }
+    [[nodiscard]] QString startedFile() const { return bus.folder() + QStringLiteral("/started"); }
 };
 
 TEST_F(StartableServer, readingTheSettingsStartsNothing)
@@ -383,10 +384,10 @@ TEST_F(StartableServer, theFirstNotificationStartsIt)
     static_cast<void>(settings());
     center->add(request("ql.suspend.view", {"one"}));
     center->add(request("ql.resume", {"two"}));
-    ASSERT_TRUE(eventually([this] { return isStarted(); }));
+    ASSERT_TRUE(until([this] { return isStarted(); }));
     EXPECT_EQ(changes, 0);
     const auto server = makeServer();
-    ASSERT_TRUE(eventually([this] { return center->shown() == 2; }));
+    ASSERT_TRUE(until([this] { return center->shown() == 2; }));
     EXPECT_EQ(changes, 1) << "what it can is known only now";
     const auto calls = server->callsOf(QStringLiteral("Notify"));
     ASSERT_EQ(calls.size(), 2U);
@@ -399,9 +400,9 @@ TEST_F(StartableServer, onlySoManyWaitForIt)
     connectCenter();
     constexpr std::size_t most = DesktopNotificationCenter::mostWaiting;
     for (std::size_t i = 0; i < most + 4; ++i) center->add(request("ql.resume", {"app"}, std::to_string(i)));
-    ASSERT_TRUE(eventually([this] { return isStarted(); }));
+    ASSERT_TRUE(until([this] { return isStarted(); }));
     const auto server = makeServer();
-    ASSERT_TRUE(eventually([this] { return center->shown() == most; }));
+    ASSERT_TRUE(until([this] { return center->shown() == most; }));
     EXPECT_EQ(notified(*server), most);
     EXPECT_EQ(server->callsOf(QStringLiteral("Notify"))[0].arguments()[3].toString(), QStringLiteral("4"));
 }
@@ -410,8 +411,8 @@ class BrokenServer : public DesktopNotificationCenterTest {
 protected:
     void SetUp() override
     {
-        bus.makeStartable(service, "/bin/false");
         DesktopNotificationCenterTest::SetUp();
+        bus.makeStartable(QLatin1String{service}, QStringLiteral("/bin/false"));
     }
 };
 

@@ -10,6 +10,7 @@
 #include "QuellonUI/Panel/MenuPanel.h"
 #include "QuellonUI/Theme.h"
 
+#include "../PaintCounter.h"
 #include "PanelModels.h"
 
 #include <gmock/gmock.h>
@@ -35,22 +36,6 @@ inline void letItHappen()
         QApplication::processEvents();
     }
 }
-
-/// Counts what is painted below a widget.
-class PaintCounter final : public QObject {
-public:
-    explicit PaintCounter(QWidget& widget)
-    {
-        widget.installEventFilter(this);
-        for (QWidget* const each : widget.findChildren<QWidget*>()) each->installEventFilter(this);
-    }
-    bool eventFilter(QObject* watched, QEvent* event) override
-    {
-        if (event->type() == QEvent::Paint) ++count;
-        return QObject::eventFilter(watched, event);
-    }
-    int count = 0;
-};
 
 inline void sendMouse(QWidget& widget, QEvent::Type type, const QPoint& at)
 {

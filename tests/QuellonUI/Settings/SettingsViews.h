@@ -7,6 +7,8 @@
 #include "QuellonUI/Settings/SettingsWindow.h"
 #include "QuellonUI/Theme.h"
 
+#include "../PaintCounter.h"
+
 #include <QAccessible>
 #include <QApplication>
 #include <QKeyEvent>
@@ -74,33 +76,6 @@ inline void choose(QComboBox& box, int index)
     box.setCurrentIndex(index);
     Q_EMIT box.activated(index);
 }
-
-/// Counts the paint events in a window.
-class WindowPaintCounter final : public QObject {
-public:
-    explicit WindowPaintCounter(QWidget& root)
-    {
-        root.installEventFilter(this);
-        for (QWidget* const each : root.findChildren<QWidget*>()) each->installEventFilter(this);
-    }
-    int count = 0;
-
-    /// Waits until all that is under way is painted, and counts from there.
-    void restart()
-    {
-        do {
-            count = 0;
-            settleEvents();
-        } while (count > 0);
-    }
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override
-    {
-        count += event->type() == QEvent::Paint ? 1 : 0;
-        return QObject::eventFilter(watched, event);
-    }
-};
 
 /// A settings window on a running guard: what is done in it is carried out at once, and shown.
 struct SettingsView : SettingsWorld {

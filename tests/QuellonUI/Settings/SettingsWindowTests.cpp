@@ -188,7 +188,7 @@ TEST_F(SettingsWindowTest, anEqualModelPaintsNothing)
     for (const auto& row : settingsTabs.rows) {
         SCOPED_TRACE(row.raw);
         view.open(row.value);
-        WindowPaintCounter painted{view.window};
+        PaintCounter painted{view.window};
         painted.restart();
         view.refresh();
         settleEvents();
@@ -207,7 +207,7 @@ TEST_F(SettingsWindowTest, oneChangedTextLeavesTheRestAlone)
 {
     view.use(3'000 * mega);
     view.open(SettingsTab::plan);
-    WindowPaintCounter painted{view.the<QWidget>("Monthly plan in gigabytes")};
+    PaintCounter painted{view.the<QWidget>("Monthly plan in gigabytes")};
     painted.restart();
     auto model = view.model();
     std::get<PlanTabModel>(model.page).cycle->used.value = "9.99 GB (33%)";
@@ -254,50 +254,6 @@ TEST_F(SettingsWindowTest, tellsThatItWasMoved)
     settleEvents();
     EXPECT_GE(moved, 1);
     EXPECT_EQ(view.window.pos(), QPoint(40, 40));
-}
-
-TEST_F(SettingsWindowTest, aSheetGoesWhenItsPageDoes)
-{
-    view.open(SettingsTab::apps);
-    view.the<Pressable>("Add an app to the policy list").setFocus();
-    key(Qt::Key_Return);
-    settleEvents();
-    ASSERT_NE(named(view.window, "Filter"), nullptr);
-    view.does(SelectTab{SettingsTab::log});
-    view.refresh();
-    settleEvents();
-    EXPECT_EQ(named(view.window, "Filter"), nullptr);
-    ASSERT_NE(QApplication::focusWidget(), nullptr);
-    EXPECT_TRUE(QApplication::focusWidget()->isVisible());
-}
-
-TEST_F(SettingsWindowTest, escapeEndsASheetThatHasLostTheFocus)
-{
-    view.open(SettingsTab::plan);
-    view.does(OpenDetails{"helperd"});
-    view.refresh();
-    settleEvents();
-    QApplication::focusWidget()->clearFocus();
-    QKeyEvent escape{QEvent::KeyPress, Qt::Key_Escape, {}};
-    QApplication::sendEvent(&view.window, &escape);
-    EXPECT_EQ(view.engine.detailApp(), std::nullopt);
-    QKeyEvent another{QEvent::KeyPress, Qt::Key_Escape, {}};
-    QApplication::sendEvent(&view.window, &another);
-    EXPECT_TRUE(view.window.isVisible()) << "the window itself stays";
-}
-
-TEST_F(SettingsWindowTest, aSheetKeepsTheMouseToItself)
-{
-    view.open(SettingsTab::plan);
-    view.does(OpenDetails{"helperd"});
-    view.refresh();
-    settleEvents();
-    const QPoint tab = view.the<QWidget>("Rules").mapTo(&view.window, QPoint{10, 10});
-    EXPECT_EQ(role(view.window.childAt(tab)), QAccessible::Dialog) << "the sheet's shade";
-    view.does(CloseDetails{});
-    view.refresh();
-    settleEvents();
-    EXPECT_EQ(view.window.childAt(tab)->accessibleName(), QStringLiteral("Rules"));
 }
 
 /// The labels and controls that do not lie within the window.

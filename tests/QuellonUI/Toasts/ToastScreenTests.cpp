@@ -8,19 +8,20 @@
 #include "QuellonUI/Toasts/ToastView.h"
 #include "QuellonUI/Toasts/ToastWindow.h"
 
+#include "../PaintCounter.h"
+#include "../Until.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QAccessible>
 #include <QApplication>
-#include <QDeadlineTimer>
 #include <QEvent>
 #include <QImage>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
-#include <QTimer>
 
 #include <string>
 #include <utility>
@@ -30,24 +31,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using ::testing::StartsWith;
 using enum NotificationAction;
-
-/// Counts what is painted in windows.
-class PaintCounter final : public QObject {
-public:
-    void watch(QWidget& window)
-    {
-        window.installEventFilter(this);
-        for (QWidget* const each : window.findChildren<QWidget*>()) each->installEventFilter(this);
-    }
-    bool eventFilter(QObject* watched, QEvent* event) override
-    {
-        if (event->type() == QEvent::Paint) ++count;
-        return QObject::eventFilter(watched, event);
-    }
-    int count = 0;
-};
 
 void settle()
 {
@@ -56,21 +40,6 @@ void settle()
         QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QApplication::processEvents();
     }
-}
-
-/// Runs the event loop until `condition` holds; false when it doesn't within the time that a broken test may take.
-template <typename Condition>
-bool eventually(Condition condition)
-{
-    constexpr int mostMilliseconds = 20'000;
-    const QDeadlineTimer end{mostMilliseconds};
-    QTimer wake;
-    wake.start(10);
-    while (!condition()) {
-        if (end.hasExpired()) return false;
-        QApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
-    return true;
 }
 
 /// What a mouse does.
@@ -271,7 +240,7 @@ TEST_F(ToastScreenTest, neverTakesTheFocus)
     other.show();
     other.activateWindow();
     other.setFocus();
-    ASSERT_TRUE(eventually([&] { return QApplication::focusWidget() == &other; }));
+    ASSERT_TRUE(testing::until([&] { return QApplication::focusWidget() == &other; }));
     // Offscreen, the toolkit makes every window that is shown the active one, whatever it asks for.
     if (QGuiApplication::platformName() != QLatin1String{"offscreen"}) show({toast(1), toast(2)});
     clickOn(*buttons(window(0))[0]);
@@ -296,7 +265,7 @@ TEST_F(ToastScreenTest, anEqualListPaintsNothing)
     show({toast(1), toast(2), toast(3)});
     EXPECT_EQ(paintedInFirst.count, 0) << "nothing changed in it";
     show({saying(1, "another", ""), toast(2), toast(3)});
-    EXPECT_TRUE(eventually([&] { return paintedInFirst.count > 0; })) << "the counter counts";
+    EXPECT_TRUE(testing::until([&] { return paintedInFirst.count > 0; })) << "the counter counts";
 }
 
 TEST_F(ToastScreenTest, aThousandTimes)
@@ -343,7 +312,7 @@ TEST_F(ToastScreenTest, accessibility)
     QAccessible::queryAccessibleInterface(buttons(window(0))[1])
         ->actionInterface()
         ->doAction(QAccessibleActionInterface::pressAction());
-    EXPECT_TRUE(eventually([this] { return !pressed.empty(); })) << "as long as a finger takes";
+    EXPECT_TRUE(testing::until([this] { return !pressed.empty(); })) << "as long as a finger takes";
     EXPECT_THAT(pressed, ElementsAre(std::pair{1U, 1U}));
 }
 
@@ -362,51 +331,6 @@ TEST_F(ToastScreenTest, aLargerFontMakesRoom)
     for (const ToastButton* const each : buttons(window(0)))
         EXPECT_LE(each->geometry().right(), 340 - 12) << each->text().toStdString();
     QApplication::setFont(font);
-}
-
-TEST(ClampedText, shownLines)
-{
-    const QFont font = Fonts::body();
-    const int ten = QFontMetrics{font}.horizontalAdvance(QStringLiteral("mmmmmmmmmm")) + 4;
-    struct Case {
-        const char* name;
-        const char* text;
-        std::vector<std::string> lines;
-        bool isCut;
-    };
-    const Case cases[] = {
-        {"nothing", "", {}, false},
-        {"one line", "mmm", {"mmm"}, false},
-        {"line ends stand", "m\nn", {"m", "n"}, false},
-        {"words go on in the next line", "mmmmmm mmmmmm", {"mmmmmm ", "mmmmmm"}, false},
-        {"a word that is too long", "mmmmmmmmmmmmm", {"mmmmmmmmmm", "mmm"}, false},
-        {"too many words", "mmmmmm mmmmmm mmmmmm", {"mmmmmm ", "mmmmmm "}, true},
-        {"too many lines", "m\nn\no", {"m", "n…"}, true},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        ClampedText label{font, ten, 2, Qt::ElideRight};
-        label.setText(QString::fromUtf8(c.text));
-        std::vector<std::string> lines;
-        for (const QString& each : label.shownLines()) lines.push_back(each.toStdString());
-        ASSERT_EQ(lines.size(), c.lines.size());
-        for (std::size_t i = 0; i < lines.size(); ++i) EXPECT_THAT(lines[i], StartsWith(c.lines[i]));
-        EXPECT_EQ(!lines.empty() && lines.back().ends_with("…"), c.isCut);
-        EXPECT_EQ(label.toolTip(), c.isCut ? QString::fromUtf8(c.text) : QString{});
-        EXPECT_EQ(label.accessibleName(), QString::fromUtf8(c.text));
-        EXPECT_EQ(label.height(), static_cast<int>(c.lines.size()) * label.fontMetrics().lineSpacing());
-    }
-}
-
-TEST(ClampedText, whatFollowsALongNameIsSeen)
-{
-    const QFont font = Fonts::body();
-    ClampedText label{font, QFontMetrics{font}.horizontalAdvance(QStringLiteral("mmmmmmmmmmmmmmmmmmmm")), 2,
-                      Qt::ElideMiddle};
-    label.setText(QString{200, QLatin1Char{'m'}} + QStringLiteral(" was paused"));
-    ASSERT_EQ(label.shownLines().size(), 2U);
-    EXPECT_THAT(label.shownLines()[0].toStdString(), StartsWith("mmm"));
-    EXPECT_THAT(label.shownLines()[1].toStdString(), ::testing::ContainsRegex("^m+….*paused$"));
 }
 
 } // namespace
