@@ -31,7 +31,8 @@ public:
     using Answer = std::function<std::string()>;
 
     /// Listens at the first of `places` that can be had, in a folder that is the user's alone. Null when none can, or
-    /// when another process that is alive answers at one of them. What a dead one left behind is replaced.
+    /// when another process that is alive answers at one of them. What a dead one left behind is replaced,
+    /// and what others left in the same folder is removed.
     [[nodiscard]] static std::unique_ptr<Server> open(const std::vector<std::filesystem::path>& places, Answer answer);
     /// Removes the socket, unless it is another's by now, and its folder when nothing else is in it.
     ~Server();

@@ -7,6 +7,7 @@
 #include <optional>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -47,6 +48,21 @@ Descriptor listenAt(const fs::path& path)
     return {};
 }
 
+/// Removes what guards on other state that were killed have left beside `own`. Sockets that do not listen yet have a
+/// full stop in their names.
+void sweepBeside(const fs::path& own)
+{
+    std::error_code error;
+    for (fs::directory_iterator each{own.parent_path(), error}, end; !error && each != end; each.increment(error)) {
+        const fs::path& path = each->path();
+        if (path == own) continue;
+        const auto place = address(path);
+        struct stat status {};
+        const bool isSocket = lstat(path.c_str(), &status) == 0 && S_ISSOCK(status.st_mode);
+        if (isSocket && place && path.extension().empty() && !isAnswered(*place)) (void)unlink(path.c_str());
+    }
+}
+
 /// Sends what fits, at once.
 void sendAtOnce(const Descriptor& connection, std::string_view text)
 {
@@ -83,7 +99,9 @@ std::unique_ptr<Server> Server::open(const std::vector<fs::path>& places, Answer
     }
     for (const fs::path& path : places) {
         Descriptor listener = listenAt(path);
-        if (listener) return std::unique_ptr<Server>{new Server{path, std::move(listener), std::move(answer)}};
+        if (!listener) continue;
+        sweepBeside(path);
+        return std::unique_ptr<Server>{new Server{path, std::move(listener), std::move(answer)}};
     }
     return nullptr;
 }

@@ -168,6 +168,28 @@ TEST_F(GuardSocketTest, whatADeadOneLeftIsReplaced)
     EXPECT_EQ(ask(*server), (Reply{Outcome::answered, "new"}));
 }
 
+TEST_F(GuardSocketTest, whatOtherDeadOnesLeftIsRemoved)
+{
+    const fs::path dead = socket.parent_path() / "guard-dead";
+    const fs::path beginning = socket.parent_path() / "guard-young.17";
+    const fs::path file = socket.parent_path() / "file";
+    leaveSocket(dead);
+    leaveSocket(beginning);
+    std::ofstream{file} << "x";
+    const fs::path alive = socket.parent_path() / "guard-alive";
+    const auto other = Server::open({alive}, [] { return "other"; });
+    ASSERT_TRUE(other);
+    EXPECT_FALSE(fs::exists(dead));
+    EXPECT_TRUE(fs::exists(beginning)) << "it may be about to listen";
+    leaveSocket(dead);
+    const auto server = serving("x");
+    ASSERT_TRUE(server);
+    EXPECT_FALSE(fs::exists(dead));
+    EXPECT_TRUE(fs::exists(alive));
+    EXPECT_TRUE(fs::exists(file));
+    EXPECT_EQ(ask(*server), (Reply{Outcome::answered, "x"}));
+}
+
 TEST_F(GuardSocketTest, aFileInItsPlaceIsReplaced)
 {
     fs::create_directory(socket.parent_path());
@@ -330,7 +352,7 @@ TEST_F(GuardSocketTest, whatIsNoWholeTextIsNoAnswer)
 
 TEST_F(GuardSocketTest, withoutADescriptorLeftWhoAsksIsSentAway)
 {
-    const auto server = serving("x");
+    const auto server = Server::open(places, [] { return "x"; });
     ASSERT_TRUE(server);
     const Descriptor first = connected();
     const Descriptor second = connected();
