@@ -12,11 +12,13 @@
 #include <QApplication>
 #include <QIcon>
 #include <QSessionManager>
+#include <QSocketNotifier>
 
 #include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <system_error>
 #include <unistd.h>
@@ -29,6 +31,8 @@ constexpr const char* platformVariable = "QT_QPA_PLATFORM";
 
 /// For the message handler, which is given nothing.
 char** startArguments = nullptr;
+/// What the toolkit has said on the way to the display.
+std::string heard;
 
 bool isSet(const char* name)
 {
@@ -68,12 +72,32 @@ private:
     std::_Exit(ExitStatus::outputFailed);
 }
 
-/// The toolkit ends the process when it can't reach the display; before it does, it says so here.
+/// The toolkit ends the process when it can't reach the display; before it does, it says so here. Why not, such as a
+/// plugin that is missing, it has said before.
 void whileConnecting(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message)
 {
+    heard += message.toStdString() + '\n';
     if (type != QtFatalMsg) return;
-    std::fprintf(stderr, "%s\n", message.toUtf8().constData());
+    std::fputs(heard.c_str(), stderr);
     beginWithoutDisplay();
+}
+
+/// Serves those who ask for a snapshot, for as long as what it gives lives.
+std::unique_ptr<QSocketNotifier> watch(SnapshotService& snapshots)
+{
+    const auto descriptor = snapshots.descriptor();
+    if (!descriptor) return nullptr;
+    auto result = std::make_unique<QSocketNotifier>(*descriptor, QSocketNotifier::Read);
+    QObject::connect(result.get(), &QSocketNotifier::activated, result.get(), [&snapshots] { snapshots.serve(); });
+    return result;
+}
+
+/// What starts the program as it was started.
+QStringList command(char** arguments)
+{
+    QStringList result{QCoreApplication::applicationFilePath()};
+    for (char** each = arguments + 1; *each != nullptr; ++each) result << QString::fromLocal8Bit(*each);
+    return result;
 }
 
 } // namespace
@@ -102,11 +126,13 @@ int run(char** arguments, const ProgramOptions& options)
     // There need not be a window: the guard goes on in the tray.
     QApplication::setQuitOnLastWindowClosed(false);
 
-    // The desktop's autostart is what starts the program with a session; a session manager would do so once more, with
-    // options of its own.
+    // The desktop's autostart is what starts the program with a session; a session manager would do so once more. One
+    // that does all the same is not to add the toolkit's option, which the command line doesn't know.
     for (const auto request : {&QGuiApplication::commitDataRequest, &QGuiApplication::saveStateRequest}) {
-        QObject::connect(&application, request, &application,
-                         [](QSessionManager& manager) { manager.setRestartHint(QSessionManager::RestartNever); });
+        QObject::connect(&application, request, &application, [command = command(arguments)](QSessionManager& manager) {
+            manager.setRestartHint(QSessionManager::RestartNever);
+            manager.setRestartCommand(command);
+        });
     }
 
     const SingleInstance instance;
@@ -120,6 +146,7 @@ int run(char** arguments, const ProgramOptions& options)
     QObject::connect(&instance, &SingleInstance::activated, &application, [&desktop] { desktop.showPanel(); });
     RunLoop::Handle end;
     if (options.duration) end = app.runLoop().after(*options.duration, [] { QApplication::quit(); });
+    const auto asked = watch(app.snapshots());
     const QtRunLoop embedded{app.runLoop()};
     QApplication::exec();
     AppDelegate::applicationWillTerminate();

@@ -44,9 +44,11 @@ void thawOnly(const GuardEngine& engine)
 } // namespace
 
 QuellonApp::QuellonApp(const ProgramOptions& options)
-    : engine_(host_.host(), engineOptions(host_.host(), notifications_, options)), thaw_([this] { thawOnly(engine_); })
+    : engine_(host_.host(), engineOptions(host_.host(), notifications_, options)),
+      snapshots_(engine_, build()),
+      thaw_([this] { thawOnly(engine_); })
 {
-    AppDelegate::cleanup = [this] { engine_.resumeAll(true); };
+    AppDelegate::cleanup = [this] { cleanUp(); };
     // Before any view: from here on a signal ends the program by way of the clean-up.
     AppDelegate::applicationDidFinishLaunching(host_.host());
 }
@@ -56,6 +58,12 @@ QuellonApp::~QuellonApp()
     AppDelegate::cleanup = nullptr;
 }
 
+void QuellonApp::cleanUp()
+{
+    engine_.resumeAll(true);
+    snapshots_.end();
+}
+
 int QuellonApp::runTerminal(const ProgramOptions& options)
 {
     const TerminalView::Options viewOptions{.colours = wantsColours(host_.host().processes),
@@ -63,7 +71,7 @@ int QuellonApp::runTerminal(const ProgramOptions& options)
     std::unique_ptr<TerminalView> view;
     // First what is frozen: the terminal may make the program wait.
     AppDelegate::cleanup = [this, &view] {
-        engine_.resumeAll(true);
+        cleanUp();
         view.reset();
     };
     view = TerminalView::open(
@@ -101,6 +109,10 @@ void QuellonApp::run(const ProgramOptions& options)
 {
     RunLoop::Handle end;
     if (options.duration) end = runLoop().after(*options.duration, [this] { runLoop().quit(); });
+    RunLoop::Handle asked;
+    if (const auto descriptor = snapshots_.descriptor()) {
+        asked = runLoop().watch(*descriptor, [this] { snapshots_.serve(); });
+    }
     runLoop().run();
     AppDelegate::applicationWillTerminate();
 }

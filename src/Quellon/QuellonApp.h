@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Quellon/ProgramOptions.h"
+#include "Quellon/SnapshotService.h"
 #include "QuellonCore/Engine/GuardEngine.h"
 #include "QuellonCore/Notifications/NotificationFeed.h"
 #include "QuellonCore/Presentation/AboutModel.h"
@@ -32,13 +33,19 @@ public:
     [[nodiscard]] GuardEngine& engine() { return engine_; }
     /// What the engine tells the user, for whoever shows it.
     [[nodiscard]] NotificationFeed& notifications() { return notifications_; }
+    /// For other processes that ask about the guard. Served while the run loop of `runTerminal` or `runPlain` runs;
+    /// another loop watches its descriptor itself.
+    [[nodiscard]] SnapshotService& snapshots() { return snapshots_; }
 
 private:
     SystemHost host_;
     NotificationFeed notifications_;
     GuardEngine engine_;
+    SnapshotService snapshots_;
     FatalCleanup thaw_; ///< Only signals: what else the engine holds is not to be trusted by then.
 
+    /// What must be done before the process ends.
+    void cleanUp();
     /// The run loop's life, up to the ordinary end.
     void run(const ProgramOptions& options);
 };
