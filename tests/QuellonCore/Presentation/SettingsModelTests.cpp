@@ -97,6 +97,23 @@ TEST_F(SettingsWindowModel, whatIsTypedTakesEffectWhenItsPageIsLeft)
     EXPECT_THAT(world.state.drafts, IsEmpty());
 }
 
+TEST_F(SettingsWindowModel, whatIsRefusedIsForgottenWithTheWindow)
+{
+    world.types(NumberField::Kind::planSize, "50");
+    world.types(NumberField::Kind::startDay, "99");
+    world.types(NumberField::Kind::carrierReading, "18.2");
+    world.does(CloseWindow{});
+    EXPECT_EQ(world.settings().planGB(), 50.0);
+    EXPECT_EQ(std::get<PlanTabModel>(model().page).startDay.text, "1");
+    EXPECT_EQ(std::get<PlanTabModel>(model().page).startDay.refusal, std::nullopt);
+    EXPECT_EQ(world.state.drafts.at({NumberField::Kind::carrierReading, {}}), "18.2");
+    world.does(SelectTab{SettingsTab::apps});
+    world.does(OpenPicker{});
+    world.does(CloseWindow{});
+    EXPECT_EQ(std::get<AppsTabModel>(model().page).picker, std::nullopt);
+    EXPECT_EQ(world.state.tab, SettingsTab::apps) << "the page that was chosen last stays";
+}
+
 TEST_F(SettingsWindowModel, theQuestionAboutTheRulesEndsWithItsPage)
 {
     world.change([](GuardSettings& settings) { settings.rules()[0].thresholdBytes = 30 * mega; });
