@@ -5,7 +5,8 @@ namespace quellon {
 std::vector<Picture> pictures()
 {
     std::vector<Picture> result;
-    for (const auto& part : {panelPictures(), settingsPictures(), toastPictures(), trayPictures(), symbolPictures()})
+    for (const auto& part :
+         {panelPictures(), settingsPictures(), debugPictures(), toastPictures(), trayPictures(), symbolPictures()})
         result.insert(result.end(), part.begin(), part.end());
     return result;
 }

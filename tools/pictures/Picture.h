@@ -35,6 +35,7 @@ struct Picture {
 // Where they come from.
 [[nodiscard]] std::vector<Picture> panelPictures();
 [[nodiscard]] std::vector<Picture> settingsPictures();
+[[nodiscard]] std::vector<Picture> debugPictures();
 [[nodiscard]] std::vector<Picture> toastPictures();
 [[nodiscard]] std::vector<Picture> trayPictures();
 [[nodiscard]] std::vector<Picture> symbolPictures();

@@ -75,6 +75,14 @@ SettingsModel log()
     return world->settings();
 }
 
+SettingsModel about()
+{
+    World world;
+    world.state().startsAtLogin = true;
+    world.does(SelectTab{SettingsTab::about});
+    return world.settings();
+}
+
 SettingsModel details(const std::string& app)
 {
     return page(SettingsTab::apps, {OpenDetails{app}});
@@ -113,7 +121,7 @@ std::vector<SettingsMoment> settingsMoments()
             {"picker", [] { return picker(""); }},
             {"picker-filtered", [] { return picker("FIRE"); }},
             {"log", log},
-            {"about", [] { return page(SettingsTab::about); }},
+            {"about", about},
             {"details", [] { return details("nextcloud"); }},
             {"details-unknown", [] { return details("helperd"); }},
             {"details-consent", consent},
