@@ -24,6 +24,8 @@ namespace {
 
 constexpr int gap = 10;
 constexpr int margin = 16;
+constexpr int rowSpacing = 3;
+constexpr double textMargin = 8.0;
 
 /// The user's font for texts in columns, as large as the small texts of other windows.
 QFont columnFont()
@@ -49,11 +51,13 @@ DebugPanel::DebugPanel()
     note_->setTint(Tint::secondary);
     pages_->setAccessibleName(toQString(DebugPanelModel::pagesLabel));
     pages_->setTabKeyNavigation(false);
+    pages_->setSpacing(rowSpacing);
     text_->setReadOnly(true);
     text_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     text_->setTabChangesFocus(true);
     text_->setLineWrapMode(QPlainTextEdit::NoWrap);
     text_->setFont(columnFont());
+    text_->document()->setDocumentMargin(textMargin);
     copy_->setKind(PushButton::Kind::primary);
     arrange();
     connect(pages_, &QListWidget::currentRowChanged, this, [this](int row) {
