@@ -1,5 +1,7 @@
 #include "SettingsViews.h"
 
+#include "QuellonUI/Kit/Switch.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
