@@ -21,6 +21,10 @@ constexpr std::string_view autoResumeHint = "--auto-resume takes a whole number 
 constexpr std::string_view autostartOption = "--autostart";
 constexpr std::string_view autostartHint = "--autostart takes on, off or status";
 
+constexpr std::string_view redactOption = "--redact";
+constexpr std::string_view redactHint = "--redact takes a file, or - for standard input";
+constexpr std::string_view supportTexts = "--snapshot and --redact exclude each other";
+
 bool isDigit(char c)
 {
     return c >= '0' && c <= '9';
@@ -60,6 +64,22 @@ std::optional<std::string> setAutostart(ProgramOptions& options, std::string_vie
     return std::nullopt;
 }
 
+/// Takes over the value of "--redact".
+std::optional<std::string> setRedact(ProgramOptions& options, std::string_view value)
+{
+    if (value.empty()) return std::string{redactHint};
+    if (options.snapshot) return std::string{supportTexts};
+    options.redact = value;
+    return std::nullopt;
+}
+
+std::optional<std::string> setSnapshot(ProgramOptions& options)
+{
+    if (options.redact) return std::string{supportTexts};
+    options.snapshot = true;
+    return std::nullopt;
+}
+
 /// An option that is followed by a value, in the next word or in its own behind "=".
 struct ValueOption {
     std::string_view name;
@@ -70,6 +90,7 @@ constexpr ValueOption valueOptions[] = {
     {durationOption, durationHint, setDuration},
     {autoResumeOption, autoResumeHint, setAutoResume},
     {autostartOption, autostartHint, setAutostart},
+    {redactOption, redactHint, setRedact},
 };
 
 /// The one that `word` begins with; null when none does.
@@ -110,6 +131,8 @@ std::optional<std::string> takeOption(ProgramOptions& options, std::span<const s
         options.help = true;
     } else if (option == "--version") {
         options.version = true;
+    } else if (option == "--snapshot") {
+        return setSnapshot(options);
     } else if (option == "--terminal") {
         return setView(options, ProgramOptions::View::terminal);
     } else if (option == "--plain") {
@@ -166,6 +189,10 @@ std::string_view help()
            "                         1 to 1800, which is the default\n"
            "  --autostart WHAT       on: start with the session from now on; off: no longer; status: print which;\n"
            "                         then end\n"
+           "  --snapshot             print the state of the guard that runs, for somebody who helps, and end:\n"
+           "                         no application, no address; without a guard what its files tell\n"
+           "  --redact FILE          print the shape of a state file, without names and texts, and end;\n"
+           "                         - for standard input\n"
            "  -h, --help             print this and end\n"
            "  --version              print the version and end\n"
            "\n"
@@ -173,6 +200,7 @@ std::string_view help()
            "\n"
            "Exit status: 0 after a normal end, SIGTERM and Ctrl-C included, and when the reader of the lines is gone;\n"
            "1 when standard output or the file of --autostart can't be written; 2 for a mistake in the options;\n"
+           "65 when the file of --redact is no JSON text or too large; 66 when it can't be read;\n"
            "70 after an internal error.\n";
 }
 

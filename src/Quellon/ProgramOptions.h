@@ -21,6 +21,8 @@ struct ProgramOptions {
     std::optional<Seconds> duration;                          ///< Ends the program; absent: somebody else does.
     int autoResumeSeconds = Enforcer::autoResumeSeconds;      ///< After how long a freeze ends, whatever becomes of us.
     std::optional<AutostartCommand> autostart = std::nullopt; ///< Does this, and nothing else.
+    bool snapshot = false;                                    ///< Prints the state of the guard, and nothing else.
+    std::optional<std::string> redact = std::nullopt;         ///< Prints the shape of this file, and nothing else.
     bool help = false;
     bool version = false;
     bool operator==(const ProgramOptions&) const = default;
@@ -31,6 +33,8 @@ namespace ExitStatus {
 inline constexpr int success = 0;
 inline constexpr int outputFailed = 1;
 inline constexpr int usage = 2;
+inline constexpr int badData = 65; ///< A file holds something else than it should. As sysexits.h has it; so the next.
+inline constexpr int noInput = 66; ///< A file can't be read.
 } // namespace ExitStatus
 
 /// Reading the command line, and what is printed about it.

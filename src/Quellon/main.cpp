@@ -2,6 +2,7 @@
 #include "Quellon/DesktopProgram.h"
 #include "Quellon/ProgramOptions.h"
 #include "Quellon/QuellonApp.h"
+#include "Quellon/SupportProgram.h"
 #include "QuellonCore/Support/Fatal.h"
 #include "QuellonTerminal/Utf8Locale.h"
 
@@ -43,6 +44,8 @@ int main(int argumentCount, char** arguments)
     if (error) return refuse(*error);
     if (options.help) return print(CommandLine::help());
     if (options.version) return print(CommandLine::version());
+    if (options.snapshot) return SupportProgram::printSnapshot();
+    if (options.redact) return SupportProgram::printRedacted(*options.redact);
     if (options.autostart) return AutostartProgram::run(*options.autostart);
 
     const Surroundings surroundings{.desktop = DesktopProgram::isAvailable(), .terminal = isatty(STDOUT_FILENO) == 1};

@@ -37,6 +37,12 @@ TEST(CommandLine, rightOnes)
         {"autostart on", {"--autostart", "on"}, {.duration = {}, .autostart = AutostartCommand::on}},
         {"autostart off", {"--autostart=off"}, {.duration = {}, .autostart = AutostartCommand::off}},
         {"autostart status", {"--autostart", "status"}, {.duration = {}, .autostart = AutostartCommand::status}},
+        {"snapshot", {"--snapshot"}, {.duration = {}, .snapshot = true}},
+        {"redact", {"--redact", "x.json"}, {.duration = {}, .redact = "x.json"}},
+        {"redact in one word", {"--redact=a=b"}, {.duration = {}, .redact = "a=b"}},
+        {"redact standard input", {"--redact", "-"}, {.duration = {}, .redact = "-"}},
+        {"redact a file with an option's name", {"--redact", "--snapshot"}, {.duration = {}, .redact = "--snapshot"}},
+        {"the last file holds", {"--redact=1", "--redact=2"}, {.duration = {}, .redact = "2"}},
         {"help", {"--help"}, {.duration = {}, .help = true}},
         {"help in short", {"-h"}, {.duration = {}, .help = true}},
         {"version", {"--version"}, {.duration = {}, .version = true}},
@@ -82,6 +88,11 @@ TEST(CommandLine, wrongOnes)
         {"a longer word for it", {"--auto-resumes=5"}, "unknown option \"--auto-resumes=5\""},
         {"no word for the autostart", {"--autostart"}, "--autostart takes on, off or status"},
         {"another word for it", {"--autostart", "yes"}, "--autostart takes on, off or status, not \"yes\""},
+        {"no file", {"--redact"}, "--redact takes a file, or - for standard input"},
+        {"an empty file", {"--redact", ""}, "--redact takes a file, or - for standard input"},
+        {"a value for the snapshot", {"--snapshot=x"}, "unknown option \"--snapshot=x\""},
+        {"both texts", {"--snapshot", "--redact", "x"}, "--snapshot and --redact exclude each other"},
+        {"both texts, turned round", {"--redact", "x", "--snapshot"}, "--snapshot and --redact exclude each other"},
         {"both views", {"--plain", "--terminal"}, "--terminal and --plain exclude each other"},
         {"help does not hide a mistake", {"--help", "--fast"}, "unknown option \"--fast\""},
     };
@@ -134,8 +145,8 @@ TEST(CommandLine, parseDuration)
 
 TEST(CommandLine, helpNamesEveryOption)
 {
-    for (const char* option :
-         {"--terminal", "--plain", "--duration", "--auto-resume", "--help", "--version", "Exit status"}) {
+    for (const char* option : {"--terminal", "--plain", "--duration", "--auto-resume", "--snapshot", "--redact",
+                               "--help", "--version", "Exit status"}) {
         EXPECT_THAT(std::string{CommandLine::help()}, HasSubstr(option));
     }
 }
