@@ -1,12 +1,13 @@
 # The front door. Everything below is a script in tools/ that can be called by itself.
 .DEFAULT_GOAL := help
-.PHONY: help run test demo bench pictures format check sanitize thread fuzz clean
+.PHONY: help run test demo package bench pictures format check sanitize thread fuzz clean
 MAKEFLAGS += --no-print-directory
 
 help:
 	@echo "make run       install what is missing, build, start the guard (ARGS=\"--plain\" passes options)"
 	@echo "make demo      a phone, a laptop and a runaway download inside this machine, frozen within a minute"
 	@echo "make test      build and run the whole test suite"
+	@echo "make package   a Debian package of it, in build/package"
 	@echo "make bench     what watching costs, beside the usual tools"
 	@echo "make pictures  pictures of every view, light and dark, into build/pictures"
 	@echo "make format    lay out the code with clang-format"
@@ -27,6 +28,10 @@ demo:
 test:
 	@tools/install-packages run lab test
 	@tools/test dev
+
+package:
+	@tools/install-packages run package
+	@tools/package
 
 bench:
 	@tools/install-packages run lab test
