@@ -30,16 +30,16 @@ void openURL(const std::string& url)
     QDesktopServices::openUrl(QUrl{QString::fromStdString(url)});
 }
 
-void startFirst(const std::vector<Command>& programs)
+bool startFirst(const std::vector<Command>& programs)
 {
     for (const Command& each : programs) {
         const QString program = QStandardPaths::findExecutable(QString::fromStdString(each.path));
         if (program.isEmpty()) continue;
         QStringList arguments;
         for (const std::string& argument : each.arguments) arguments << QString::fromStdString(argument);
-        QProcess::startDetached(program, arguments);
-        return;
+        if (QProcess::startDetached(program, arguments)) return true;
     }
+    return false;
 }
 
 QRect freeAreaAt(const QPoint& point)
@@ -217,9 +217,12 @@ void Desktop::dismissPanel()
 
 void Desktop::act(const PanelAction& action)
 {
-    perform(
-        action, engine_, panelState_,
-        {.openURL = openURL, .startFirst = startFirst, .openSettings = [this] { settings_.open(); }, .quit = quit_});
+    perform(action, engine_, panelState_,
+            {.openURL = openURL,
+             .startFirst = startFirst,
+             .tell = [this](const NotificationPlan& plan) { notifications_.deliver(plan); },
+             .openSettings = [this] { settings_.open(); },
+             .quit = quit_});
     refresh();
 }
 

@@ -11,4 +11,14 @@ NotificationPlan noTray()
     return plan;
 }
 
+NotificationPlan noNetworkSettings()
+{
+    NotificationPlan plan;
+    plan.style = NotificationStyle::transient;
+    plan.title = "No network settings found";
+    plan.body = "Quellon knows no program for network settings on this desktop. Open the desktop's own and follow the "
+                "steps in Quellon's panel.";
+    return plan;
+}
+
 } // namespace quellon::DesktopNotices

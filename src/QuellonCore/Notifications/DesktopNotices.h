@@ -13,4 +13,8 @@ inline constexpr Seconds trayPatience{15.0};
 /// no application.
 [[nodiscard]] NotificationPlan noTray();
 
+/// Said when the network settings were asked for and no program for them is installed. Nothing to answer, and about no
+/// application.
+[[nodiscard]] NotificationPlan noNetworkSettings();
+
 } // namespace quellon::DesktopNotices

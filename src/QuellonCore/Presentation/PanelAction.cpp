@@ -1,5 +1,7 @@
 #include "QuellonCore/Presentation/PanelAction.h"
 
+#include "QuellonCore/Notifications/DesktopNotices.h"
+
 #include <algorithm>
 #include <type_traits>
 #include <utility>
@@ -20,8 +22,8 @@ void openNetworkSettings(const Platform& platform, const PanelDesktop& desktop)
 {
     if (!platform.networkSettingsURL.empty())
         call(desktop.openURL, platform.networkSettingsURL);
-    else
-        call(desktop.startFirst, platform.networkSettingsPrograms);
+    else if (desktop.startFirst && !desktop.startFirst(platform.networkSettingsPrograms))
+        call(desktop.tell, DesktopNotices::noNetworkSettings());
 }
 
 void dismissTetherHint(GuardEngine& engine)

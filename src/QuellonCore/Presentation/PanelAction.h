@@ -2,6 +2,7 @@
 
 #include "QuellonCore/Engine/GuardEngine.h"
 #include "QuellonCore/Host/CommandRunner.h"
+#include "QuellonCore/Notifications/NotificationPlan.h"
 #include "QuellonCore/Presentation/ActionButton.h"
 
 #include <functional>
@@ -52,8 +53,10 @@ struct PanelState {
 struct PanelDesktop {
     /// Opens an address with the system's opener.
     std::function<void(const std::string& url)> openURL;
-    /// Starts the first of these programs that is installed.
-    std::function<void(const std::vector<Command>& programs)> startFirst;
+    /// Starts the first of these programs that is installed. False when none is.
+    std::function<bool(const std::vector<Command>& programs)> startFirst;
+    /// Tells the user something that nobody is to answer.
+    std::function<void(const NotificationPlan& plan)> tell;
     /// Opens the settings window, on the page that it stands on.
     std::function<void()> openSettings;
     /// Ends the program the ordinary way.

@@ -16,5 +16,16 @@ TEST(DesktopNotices, noTray)
     EXPECT_TRUE(plan.apps.empty());
 }
 
+TEST(DesktopNotices, noNetworkSettings)
+{
+    const auto plan = DesktopNotices::noNetworkSettings();
+    EXPECT_EQ(plan.style, NotificationStyle::transient);
+    EXPECT_EQ(plan.title, "No network settings found");
+    EXPECT_EQ(plan.body, "Quellon knows no program for network settings on this desktop. Open the desktop's own and "
+                         "follow the steps in Quellon's panel.");
+    EXPECT_TRUE(plan.actions.empty());
+    EXPECT_TRUE(plan.apps.empty());
+}
+
 } // namespace
 } // namespace quellon

@@ -1,6 +1,7 @@
 #include "QuellonCore/Presentation/PanelAction.h"
 
 #include "PanelWorld.h"
+#include "QuellonCore/Notifications/DesktopNotices.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -23,7 +24,9 @@ protected:
         [this](const std::string& url) { asked.push_back("open " + url); },
         [this](const std::vector<Command>& programs) {
             for (const Command& each : programs) asked.push_back("start " + each.path);
+            return true;
         },
+        [this](const NotificationPlan& plan) { asked.push_back("tell " + plan.title); },
         [this] { asked.emplace_back("settings"); },
         [this] { asked.emplace_back("quit"); },
     };
@@ -79,12 +82,25 @@ TEST(PanelActionOnLinux, networkSettingsAreAProgram)
     PanelWorld world{Platform::linux()};
     PanelState state;
     std::vector<Command> programs;
+    std::vector<NotificationPlan> told;
+    bool isInstalled = true;
     PanelDesktop desktop;
-    desktop.startFirst = [&](const std::vector<Command>& offered) { programs = offered; };
+    desktop.startFirst = [&](const std::vector<Command>& offered) {
+        programs = offered;
+        return isInstalled;
+    };
+    desktop.tell = [&](const NotificationPlan& plan) { told.push_back(plan); };
     perform({Kind::openNetworkSettings, ""}, world.engine, state, desktop);
     EXPECT_THAT(programs,
                 ElementsAre(Command{"gnome-control-center", {"network"}},
                             Command{"systemsettings", {"kcm_networkmanagement"}}, Command{"nm-connection-editor", {}}));
+    EXPECT_THAT(told, IsEmpty());
+    isInstalled = false;
+    perform({Kind::openNetworkSettings, ""}, world.engine, state, desktop);
+    EXPECT_THAT(told, ElementsAre(DesktopNotices::noNetworkSettings()));
+    desktop.startFirst = {};
+    perform({Kind::openNetworkSettings, ""}, world.engine, state, desktop);
+    EXPECT_THAT(told, SizeIs(1)) << "a desktop that starts nothing";
 }
 
 TEST_F(PanelActionTest, updateConsent)
