@@ -92,6 +92,7 @@ void Desktop::connect()
     QObject::connect(&toastScreen_, &ToastScreen::missed, &toastScreen_, [] {
         for (QWidget* const window : QApplication::topLevelWidgets()) QApplication::alert(window);
     });
+    settings_.onClosed = [this] { refreshTimes(); };
     notifier_.onCapabilityChange = [this](NotificationCapability capability) {
         // Where toasts can't be shown they are no channel, and nothing is to be done that the user isn't told of.
         capability.inAppChannelAvailable = capability.inAppChannelAvailable && ToastScreen::canShow();

@@ -2,6 +2,7 @@
 
 #include "QuellonCore/Presentation/SettingsModel.h"
 #include "QuellonUI/Kit/Appearance.h"
+#include "QuellonUI/Kit/Centre.h"
 
 #include <QDesktopServices>
 #include <QGuiApplication>
@@ -48,6 +49,10 @@ void SettingsWindowOpener::build()
                      [this](const SettingsAction& action) { act(action); });
     QObject::connect(window_.get(), &SettingsWindow::openURL, window_.get(),
                      [](const QUrl& url) { QDesktopServices::openUrl(url); });
+    QObject::connect(window_.get(), &SettingsWindow::closed, window_.get(), [this] {
+        static_cast<void>(perform(SettingsActions::CloseWindow{}, engine_, state_));
+        if (onClosed) onClosed();
+    });
     QObject::connect(window_.get(), &SettingsWindow::moved, window_.get(),
                      [this] { rest_ = engine_.host().runLoop.after(restTime, [this] { keepPlace(); }); });
     window_->setModel(SettingsModel::of(engine_, state_, build_, engine_.host().clock.now()));
@@ -65,8 +70,7 @@ void SettingsWindowOpener::place()
             return;
         }
     }
-    const QRect free = QGuiApplication::primaryScreen()->availableGeometry();
-    window_->move(free.center() - window_->rect().center());
+    centre(*window_, *QGuiApplication::primaryScreen());
 }
 
 void SettingsWindowOpener::keepPlace()

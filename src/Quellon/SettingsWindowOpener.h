@@ -24,6 +24,8 @@ public:
     SettingsWindowOpener(const SettingsWindowOpener&) = delete;
     SettingsWindowOpener& operator=(const SettingsWindowOpener&) = delete;
 
+    std::function<void()> onClosed; ///< The window can no longer be seen.
+
     /// Brings the window forward, on this page if one is given.
     void open(std::optional<SettingsTab> selecting = {});
     /// Whether there is a window, be it closed or not.
