@@ -165,7 +165,7 @@ TEST(ReplayScript, actsThatAreRefused)
          "answer: \"minutes\" is not known"},
         {"consent that is neither yes nor no", R"({"call": "answerExplainConsent", "granted": "yes"})",
          "call: \"granted\" has a value of the wrong kind"},
-        {"snapshot", R"({"show": "snapshot"})", "show snapshot is not there yet"},
+        {"snapshot with more", R"({"show": "snapshot", "app": "A"})", "show: \"app\" is not known"},
         {"panel with more", R"({"show": "panel", "app": "A"})", "show: \"app\" is not known"},
         {"details of nothing", R"({"show": "detail"})", "show: \"app\" is missing"},
         {"nothing to show", R"({"show": "weather"})", "show: \"weather\" can't be shown"},
@@ -177,7 +177,7 @@ TEST(ReplayScript, whatNeedsARunIsRefusedWithoutOne)
 {
     for (const char* line :
          {R"({"call": "tick"})", R"({"settings": {}})", R"({"quit": {}})", R"({"signal": "SIGTERM"})",
-          R"({"crash": {}})", R"({"show": "state"})", R"({"show": "menuBar"})", R"({"show": "panel"})",
+          R"({"crash": {}})", R"({"show": "state"})", R"({"show": "menuBar"})", R"({"show": "panel"})", R"({"show": "snapshot"})",
           R"({"show": "detail", "app": "A"})", R"({"answer": {"action": "view", "apps": []}})"}) {
         SCOPED_TRACE(line);
         EXPECT_EQ(play(line).errors, "replay: line 1: no guard is running: a launch comes first\n");

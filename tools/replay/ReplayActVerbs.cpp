@@ -1,3 +1,5 @@
+#include "QuellonCore/Diagnostics/DebugExport.h"
+#include "QuellonCore/Diagnostics/DebugSnapshot.h"
 #include "QuellonCore/Engine/NotificationActionRouter.h"
 #include "QuellonCore/Support/EnumTable.h"
 #include "ReplayDetail.h"
@@ -36,6 +38,15 @@ void endRun(Context& context)
 void showState(ReplaySession& session)
 {
     session.printer().print("state", replayState(session.engine()));
+}
+
+void showSnapshot(ReplaySession& session)
+{
+    const GuardEngine& engine = session.engine();
+    const auto& [version, system] = session.versions();
+    const auto snapshot = DebugSnapshot::capture(engine, version, system, session.world().now());
+    session.printer().print("snapshot", DebugExport::text(snapshot, session.world().files().homeDirectory().native(),
+                                                          engine.host().platform));
 }
 
 void showMenuBar(ReplaySession& session)
@@ -150,15 +161,16 @@ Action show(ReplayFields& line, Context& context)
         const auto name = line.required<std::string>("name");
         return [name](ReplaySession& session) { showFile(session, name); };
     }
-    if (what == "snapshot") throw ReplayError{"show snapshot is not there yet"};
     if (what == "detail") {
         const auto app = line.required<std::string>("app");
         requireRun(context);
         return [app](ReplaySession& session) { showDetail(session, app); };
     }
-    if (what != "state" && what != "menuBar" && what != "panel") line.refuse("\"" + what + "\" can't be shown");
+    if (what != "state" && what != "menuBar" && what != "panel" && what != "snapshot")
+        line.refuse("\"" + what + "\" can't be shown");
     requireRun(context);
     if (what == "panel") return showPanel;
+    if (what == "snapshot") return showSnapshot;
     return what == "state" ? showState : showMenuBar;
 }
 

@@ -43,6 +43,7 @@ public:
     void setNotificationCapability(const NotificationCapability& capability) { capability_ = capability; }
     /// The versions of the program and of its system in every run from the next one on.
     void setVersions(Versions versions) { versions_ = std::move(versions); }
+    [[nodiscard]] const Versions& versions() const { return versions_; }
     /// The engine of the present run; throws a `ReplayError` when there is none.
     [[nodiscard]] GuardEngine& engine();
     /// The folder of the state files, as the next run finds it.
