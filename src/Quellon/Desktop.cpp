@@ -50,12 +50,13 @@ QRect freeAreaAt(const QPoint& point)
 
 } // namespace
 
-Desktop::Desktop(GuardEngine& engine, NotificationFeed& notifications, AboutModel::Build build,
+Desktop::Desktop(GuardEngine& engine, NotificationFeed& notifications, const AboutModel::Build& build,
                  std::function<void()> quit)
     : engine_(engine),
       quit_(std::move(quit)),
       dates_(LocaleTexts::dates(QLocale::system())),
-      settings_(engine, std::move(build), [this] { dismissPanel(); }),
+      settings_(engine, build, [this] { dismissPanel(); }),
+      debug_(build, notifications, [this] { notifier_.refreshCapability(); }),
       toasts_(
           engine.host().runLoop,
           [this](NotificationAction action, const std::vector<std::string>& apps) { answer(action, apps); },

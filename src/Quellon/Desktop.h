@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Quellon/DebugPanelOpener.h"
 #include "Quellon/Notifier.h"
 #include "Quellon/SettingsWindowOpener.h"
 #include "QuellonCore/Diagnostics/NotificationLog.h"
@@ -33,7 +34,8 @@ class Desktop {
 public:
     /// `quit` ends the program the ordinary way. Queues what is to happen once the program is up: a first run opens the
     /// first-run window, a later one no window at all.
-    Desktop(GuardEngine& engine, NotificationFeed& notifications, AboutModel::Build build, std::function<void()> quit);
+    Desktop(GuardEngine& engine, NotificationFeed& notifications, const AboutModel::Build& build,
+            std::function<void()> quit);
     Desktop(const Desktop&) = delete;
     Desktop& operator=(const Desktop&) = delete;
 
@@ -50,6 +52,7 @@ private:
     std::unique_ptr<MenuPanel> panel_;             ///< Made by its first opening.
     std::unique_ptr<OnboardingWindow> onboarding_; ///< While it is open.
     SettingsWindowOpener settings_;
+    DebugPanelOpener debug_;
     ToastScreen toastScreen_;
     ToastPresenter toasts_;
     NotificationLog notificationLog_;

@@ -1,6 +1,9 @@
 #include "Quellon/SettingsWindowOpener.h"
 
+#include "QuellonCore/Diagnostics/DebugHooks.h"
+#include "QuellonCore/Persistence/DebugStateGuard.h"
 #include "QuellonCore/Presentation/SettingsModel.h"
+#include "QuellonHost/SystemHost.h"
 #include "QuellonUI/Kit/Appearance.h"
 #include "QuellonUI/Kit/Centre.h"
 
@@ -9,7 +12,9 @@
 #include <QScreen>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
+#include <variant>
 
 namespace quellon {
 
@@ -19,7 +24,8 @@ SettingsWindowOpener::SettingsWindowOpener(GuardEngine& engine, AboutModel::Buil
       persistence_(engine.host()),
       build_(std::move(build)),
       dismissPanel_(std::move(dismissPanel)),
-      places_(persistence_.load<WindowPlaces>(Persistence::windowsFile).value_or(WindowPlaces{}))
+      places_(persistence_.load<WindowPlaces>(Persistence::windowsFile).value_or(WindowPlaces{})),
+      autostart_(engine.host(), SystemHost::executable())
 {
 }
 
@@ -33,6 +39,7 @@ void SettingsWindowOpener::open(std::optional<SettingsTab> selecting)
 {
     if (selecting) static_cast<void>(perform(SettingsActions::SelectTab{*selecting}, engine_, state_));
     dismissPanel_();
+    readAutostart();
     if (!window_) build();
     if (window_->isMinimized()) window_->showNormal();
     window_->show();
@@ -49,6 +56,9 @@ void SettingsWindowOpener::build()
                      [this](const SettingsAction& action) { act(action); });
     QObject::connect(window_.get(), &SettingsWindow::openURL, window_.get(),
                      [](const QUrl& url) { QDesktopServices::openUrl(url); });
+    QObject::connect(window_.get(), &SettingsWindow::versionTapped, window_.get(), [this] {
+        if (taps_.registerTap(engine_.host().clock.now())) DebugHooks::open(engine_);
+    });
     QObject::connect(window_.get(), &SettingsWindow::closed, window_.get(), [this] {
         static_cast<void>(perform(SettingsActions::CloseWindow{}, engine_, state_));
         if (onClosed) onClosed();
@@ -90,9 +100,23 @@ void SettingsWindowOpener::refresh()
     window_->setModel(SettingsModel::of(engine_, state_, build_, engine_.host().clock.now()));
 }
 
+/// What starts with the session is the user's real program, which a guard on isolated state leaves alone.
+void SettingsWindowOpener::readAutostart()
+{
+    const bool isReal = !DebugStateGuard::current(engine_.host(), persistence_).allowsMutation();
+    state_.startsAtLogin = isReal ? std::optional{autostart_.isOn()} : std::nullopt;
+    state_.startRefusal.reset();
+}
+
 void SettingsWindowOpener::act(const SettingsAction& action)
 {
     static_cast<void>(perform(action, engine_, state_));
+    if (std::holds_alternative<SettingsActions::SelectTab>(action)) readAutostart();
+    if (const auto* const start = std::get_if<SettingsActions::SetStartAtLogin>(&action)) {
+        auto refusal = autostart_.setOn(start->on);
+        readAutostart();
+        state_.startRefusal = std::move(refusal);
+    }
     refresh();
 }
 

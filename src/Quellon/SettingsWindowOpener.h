@@ -1,10 +1,12 @@
 #pragma once
 
+#include "QuellonCore/Diagnostics/SecretTapGesture.h"
 #include "QuellonCore/Engine/GuardEngine.h"
 #include "QuellonCore/Persistence/Persistence.h"
 #include "QuellonCore/Presentation/AboutModel.h"
 #include "QuellonCore/Presentation/SettingsAction.h"
 #include "QuellonCore/Presentation/SettingsState.h"
+#include "QuellonCore/Settings/Autostart.h"
 #include "QuellonCore/Settings/WindowPlaces.h"
 #include "QuellonUI/Settings/SettingsWindow.h"
 
@@ -45,12 +47,15 @@ private:
     std::function<void()> dismissPanel_;
     SettingsState state_;
     WindowPlaces places_;
+    Autostart autostart_;
     std::unique_ptr<SettingsWindow> window_;
     RunLoop::Handle rest_;
+    SecretTapCounter taps_; ///< On the version.
 
     void build();
     void place();
     void keepPlace();
+    void readAutostart();
     void act(const SettingsAction& action);
 };
 
