@@ -11,7 +11,7 @@ help:
 	@echo "make bench     what watching costs, beside the usual tools"
 	@echo "make pictures  pictures of every view, light and dark, into build/pictures"
 	@echo "make format    lay out the code with clang-format"
-	@echo "make check     layout of the code, clang-tidy, shellcheck"
+	@echo "make check     layout of the code, headers, clang-tidy, shellcheck"
 	@echo "make sanitize  the test suite under AddressSanitizer and UndefinedBehaviorSanitizer"
 	@echo "make thread    the test suite under ThreadSanitizer"
 	@echo "make fuzz      a minute of coverage-guided fuzzing for each target (SECONDS=600 for longer)"
