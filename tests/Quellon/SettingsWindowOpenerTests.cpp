@@ -1,6 +1,9 @@
 #include "Quellon/SettingsWindowOpener.h"
 
+#include "QuellonCore/Diagnostics/DebugHooks.h"
 #include "QuellonCore/Presentation/SettingsWorld.h"
+#include "QuellonCore/Settings/LaunchAgent.h"
+#include "QuellonUI/Kit/Switch.h"
 
 #include <gtest/gtest.h>
 
@@ -56,6 +59,13 @@ protected:
             if (found != nullptr && found->isVisible()) return *found;
         }
         throw std::runtime_error{"no window"};
+    }
+    template <typename Widget>
+    [[nodiscard]] static Widget& child()
+    {
+        auto* const found = window().findChild<Widget*>();
+        if (found == nullptr) throw std::runtime_error{"no such child"};
+        return *found;
     }
     [[nodiscard]] static QLineEdit& field(const char* name)
     {
@@ -122,6 +132,44 @@ TEST_F(SettingsWindowOpenerTest, aPlaceOnAScreenThatIsGoneIsNotTaken)
     const QRect area = window().screen()->availableGeometry();
     EXPECT_TRUE(area.contains(window().pos()));
     EXPECT_LE(std::abs(window().geometry().center().x() - area.center().x()), 2);
+}
+
+TEST_F(SettingsWindowOpenerTest, theStartAtLoginIsSwitched)
+{
+    const std::filesystem::path agent =
+        world.host.files().homeDirectory() / "Library/LaunchAgents" / LaunchAgent::fileName;
+    opener->open(SettingsTab::about);
+    Switch& start = child<Switch>();
+    EXPECT_FALSE(start.isChecked());
+    start.click();
+    EXPECT_TRUE(start.isChecked());
+    EXPECT_NE(world.host.files().get(agent), std::nullopt);
+    start.click();
+    EXPECT_FALSE(start.isChecked());
+    EXPECT_EQ(world.host.files().get(agent), std::nullopt);
+}
+
+TEST_F(SettingsWindowOpenerTest, isolatedStateLeavesTheSessionAlone)
+{
+    world.host.environment("QUELLON_STATE_DIR", "/isolated");
+    begin();
+    opener->open(SettingsTab::about);
+    EXPECT_FALSE(child<Switch>().isVisible());
+}
+
+TEST_F(SettingsWindowOpenerTest, sevenPressesOnTheVersionOpenWhatIsAttached)
+{
+    GuardEngine* opened = nullptr;
+    DebugHooks::openDebugPanel = [&](GuardEngine& engine) { opened = &engine; };
+    opener->open(SettingsTab::about);
+    const auto tap = [] { Q_EMIT window().versionTapped(); };
+    for (int i = 0; i < 6; ++i) tap();
+    world.host.advance(SecretTapGesture::longestPause);
+    for (int i = 0; i < 6; ++i) tap();
+    EXPECT_EQ(opened, nullptr);
+    tap();
+    EXPECT_EQ(opened, &world.engine);
+    DebugHooks::openDebugPanel = nullptr;
 }
 
 } // namespace
