@@ -1,6 +1,5 @@
 #include "QuellonCore/Settings/WindowPlaces.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace quellon {
@@ -28,14 +27,6 @@ bool WindowPlaces::isWithin(const Place& place, const Area& area)
         return start >= areaStart && start + grip <= areaStart + length;
     };
     return fits(place.x, area.x, area.width) && fits(place.y, area.y, area.height);
-}
-
-WindowPlaces::Place WindowPlaces::centred(std::int32_t width, std::int32_t height, const Area& area)
-{
-    const auto start = [](std::int32_t areaStart, std::int32_t room, std::int32_t length) {
-        return areaStart + std::max(0, (room - length) / 2);
-    };
-    return {start(area.x, area.width, width), start(area.y, area.height, height + titleHeight)};
 }
 
 std::optional<WindowPlaces> WindowPlaces::fromJson(const Json& json)

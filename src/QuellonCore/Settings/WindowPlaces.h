@@ -35,12 +35,6 @@ struct WindowPlaces {
     [[nodiscard]] static bool isWithin(const Place& place, const Area& area);
     static constexpr std::int32_t grip = 64;
 
-    /// Where a window of this size, in points without its frame, stands at first: in the middle of `area` together with
-    /// its title bar. What is larger than the area begins at its top left.
-    [[nodiscard]] static Place centred(std::int32_t width, std::int32_t height, const Area& area);
-    /// What a title bar takes of the screen, more or less: programs don't know it before the window is there.
-    static constexpr std::int32_t titleHeight = 40;
-
     [[nodiscard]] static std::optional<WindowPlaces> fromJson(const Json& json);
     [[nodiscard]] Json toJson() const;
     bool operator==(const WindowPlaces&) const = default;

@@ -1,6 +1,6 @@
 #include "QuellonUI/Kit/Centre.h"
 
-#include "QuellonCore/Settings/WindowPlaces.h"
+#include "QuellonCore/Presentation/FirstPlace.h"
 
 #include <QScreen>
 #include <QWidget>
@@ -11,7 +11,7 @@ void centre(QWidget& window, const QScreen& screen)
 {
     const QRect free = screen.availableGeometry();
     const auto place =
-        WindowPlaces::centred(window.width(), window.height(), {free.x(), free.y(), free.width(), free.height()});
+        FirstPlace::centred(window.width(), window.height(), {free.x(), free.y(), free.width(), free.height()});
     window.move(place.x, place.y);
 }
 

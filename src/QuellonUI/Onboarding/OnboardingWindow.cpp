@@ -1,6 +1,6 @@
 #include "QuellonUI/Onboarding/OnboardingWindow.h"
 
-#include "QuellonCore/Settings/WindowPlaces.h"
+#include "QuellonCore/Presentation/FirstPlace.h"
 #include "QuellonUI/Kit/Centre.h"
 #include "QuellonUI/Onboarding/LimitRow.h"
 #include "QuellonUI/Settings/Form/FocusOrder.h"
@@ -221,7 +221,7 @@ bool OnboardingWindow::eventFilter(QObject* watched, QEvent* event)
 
 void OnboardingWindow::fit()
 {
-    const int most = screen()->availableGeometry().height() - WindowPlaces::titleHeight;
+    const int most = screen()->availableGeometry().height() - FirstPlace::titleHeight;
     const int bottom = start_.button->sizeHint().height() + margin;
     setFixedHeight(std::min(most, content_->layout()->heightForWidth(width()) + bottom));
 }

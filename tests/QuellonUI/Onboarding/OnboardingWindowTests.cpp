@@ -1,7 +1,7 @@
 #include "QuellonUI/Onboarding/OnboardingWindow.h"
 
 #include "../Settings/SettingsViews.h"
-#include "QuellonCore/Settings/WindowPlaces.h"
+#include "QuellonCore/Presentation/FirstPlace.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -71,7 +71,7 @@ TEST_F(OnboardingWindowTest, isInTheMiddleAndTheKeyboardInTheFirstField)
 {
     const QRect area = window.screen()->availableGeometry();
     EXPECT_LE(std::abs(window.geometry().center().x() - area.center().x()), 2);
-    const QRect whole = window.geometry().adjusted(0, 0, 0, WindowPlaces::titleHeight); // as if its frame were there
+    const QRect whole = window.geometry().adjusted(0, 0, 0, FirstPlace::titleHeight); // as if its frame were there
     EXPECT_LE(std::abs(whole.center().y() - area.center().y()), 2);
     EXPECT_EQ(QApplication::focusWidget(), &size());
     EXPECT_EQ(size().selectedText(), size().text());
