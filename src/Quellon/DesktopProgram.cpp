@@ -4,6 +4,7 @@
 #include "Quellon/Desktop.h"
 #include "Quellon/QtRunLoop.h"
 #include "Quellon/QuellonApp.h"
+#include "QuellonHost/SystemHost.h"
 #include "QuellonUI/Desktop/ColourScheme.h"
 #include "QuellonUI/Desktop/SingleInstance.h"
 #include "QuellonUI/Kit/Accessibility.h"
@@ -17,10 +18,8 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <memory>
 #include <string>
-#include <system_error>
 #include <unistd.h>
 
 namespace quellon::DesktopProgram {
@@ -65,9 +64,8 @@ private:
     std::fputs("Quellon: the display can't be reached; going on without a window.\n", stderr);
     unsetenv("DISPLAY");         // NOLINT(concurrency-mt-unsafe): before any other thread
     unsetenv("WAYLAND_DISPLAY"); // NOLINT(concurrency-mt-unsafe)
-    std::error_code error;
-    const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
-    execv(error ? startArguments[0] : self.c_str(), startArguments);
+    const auto self = SystemHost::executable();
+    execv(self.empty() ? startArguments[0] : self.c_str(), startArguments);
     std::perror("Quellon");
     std::_Exit(ExitStatus::outputFailed);
 }
