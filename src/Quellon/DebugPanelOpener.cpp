@@ -54,7 +54,9 @@ void DebugPanelOpener::read()
 
 void DebugPanelOpener::show()
 {
-    panel_->setModel(DebugPanelModel::of(*engine_, snapshot_, network_, state_));
+    const DebugPanelModel model = DebugPanelModel::of(*engine_, snapshot_, network_, state_);
+    state_.page = model.page;
+    panel_->setModel(model);
     outline();
 }
 
