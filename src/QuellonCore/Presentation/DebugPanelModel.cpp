@@ -5,6 +5,7 @@
 #include "QuellonCore/Diagnostics/StoreRedaction.h"
 #include "QuellonCore/Notifications/NotificationComposer.h"
 #include "QuellonCore/Presentation/MenuPresentation.h"
+#include "QuellonCore/Presentation/PlainText.h"
 
 #include <fmt/format.h>
 
@@ -145,7 +146,7 @@ DebugPanelModel DebugPanelModel::of(const GuardEngine& engine, const DebugSnapsh
 {
     DebugPanelModel model;
     for (const std::string_view title : firstPages) model.pages.push_back({std::string{title}});
-    for (std::string& name : stateFiles(snapshot)) model.pages.push_back({std::move(name)});
+    for (const std::string& name : stateFiles(snapshot)) model.pages.push_back({plainText(name)});
     model.page = std::min(state.page, model.pages.size() - 1);
     model.text = pageText(engine, snapshot, network, state, model.page);
     const std::string copyTitle = state.copied ? "Copied ✓" : "Copy";

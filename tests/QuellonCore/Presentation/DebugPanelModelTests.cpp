@@ -74,6 +74,16 @@ TEST(DebugPanelModel, aPageThatIsGoneGivesTheLast)
     EXPECT_EQ(world.model(engine).page, 2U);
 }
 
+TEST(DebugPanelModel, aNameKeepsToItsLine)
+{
+    DebugWorld world;
+    const std::string name = "budget-\n\x1B.json";
+    world.host.files().set("/isolated/" + name, "{}");
+    const GuardEngine engine{world.host, world.stopped()};
+    EXPECT_EQ(world.model(engine).pages.at(3).title, "budget-\uFFFD\uFFFD.json");
+    EXPECT_EQ(DebugPanelModel::file(world.snapshot(engine), 3), name);
+}
+
 TEST(DebugPanelModel, copied)
 {
     DebugWorld world;
