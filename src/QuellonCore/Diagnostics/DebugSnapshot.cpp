@@ -10,6 +10,12 @@ namespace quellon {
 
 namespace {
 
+/// The folder in full, where the user named it from another one. Links in it stay.
+std::string fullPath(const FileStore& files, const std::filesystem::path& directory)
+{
+    return (directory.is_absolute() ? directory : files.canonical(directory)).native();
+}
+
 /// What holds of a process and its state folder, with or without an engine.
 DebugSnapshot aroundEngine(const Host& host, std::string version, std::string osVersion)
 {
@@ -17,7 +23,7 @@ DebugSnapshot aroundEngine(const Host& host, std::string version, std::string os
     DebugSnapshot result;
     result.version = std::move(version);
     result.osVersion = std::move(osVersion);
-    result.stateDirectoryPath = persistence.directory().native();
+    result.stateDirectoryPath = fullPath(host.files, persistence.directory());
     result.isolation = DebugStateGuard::current(host, persistence);
     result.files = StateDirectoryReport::scan(host.files, persistence.directory());
     result.process = ProcessVitals::current(host);

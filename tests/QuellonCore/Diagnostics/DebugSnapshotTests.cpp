@@ -69,6 +69,18 @@ TEST_F(DebugSnapshotTest, captureIsWhatTheEngineHolds)
     EXPECT_FALSE(running.files.empty());
 }
 
+TEST_F(DebugSnapshotTest, aRelativeFolderIsToldInFull)
+{
+    for (const char* folder : {"copy", "./x/../copy/", "/copy"}) {
+        SCOPED_TRACE(folder);
+        ScriptedHost other;
+        other.environment("QUELLON_STATE_DIR", folder);
+        const GuardEngine engine{other, notStarted()};
+        EXPECT_EQ(DebugSnapshot::capture(engine, "1", "2", other.now()).stateDirectoryPath, "/copy");
+        EXPECT_EQ(DebugSnapshot::ofStateDirectory(other, "1", "2").stateDirectoryPath, "/copy");
+    }
+}
+
 TEST_F(DebugSnapshotTest, captureWritesNothing)
 {
     const GuardEngine engine{host, notStarted()};
