@@ -31,7 +31,8 @@ inline constexpr char endMark = '\0';
 
 enum class Connection { made, refused, busy };
 
-/// Connects without waiting: `refused` where nobody listens, `busy` where too many wait already.
+/// Connects without waiting: `busy` where too many wait already, `refused` where it can't be had otherwise; errno tells
+/// why, ECONNREFUSED that nobody listens.
 [[nodiscard]] Connection connect(const Descriptor& descriptor, const sockaddr_un& address);
 
 } // namespace quellon::GuardSocket

@@ -31,6 +31,13 @@ bool isAnswered(const sockaddr_un& place)
     return descriptor && connect(descriptor, place) != Connection::refused;
 }
 
+/// Whether it is certain that nobody listens there. Who can't be asked for another reason may be alive.
+bool isDead(const sockaddr_un& place)
+{
+    const Descriptor descriptor = makeSocket();
+    return descriptor && connect(descriptor, place) == Connection::refused && errno == ECONNREFUSED;
+}
+
 /// A socket that listens at `path`, whose folder may be missing; whatever lies there is replaced in one step.
 Descriptor listenAt(const fs::path& path)
 {
@@ -59,7 +66,7 @@ void sweepBeside(const fs::path& own)
         const auto place = address(path);
         struct stat status {};
         const bool isSocket = lstat(path.c_str(), &status) == 0 && S_ISSOCK(status.st_mode);
-        if (isSocket && place && path.extension().empty() && !isAnswered(*place)) (void)unlink(path.c_str());
+        if (isSocket && place && path.extension().empty() && isDead(*place)) (void)unlink(path.c_str());
     }
 }
 

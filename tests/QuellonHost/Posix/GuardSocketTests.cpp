@@ -190,6 +190,24 @@ TEST_F(GuardSocketTest, whatOtherDeadOnesLeftIsRemoved)
     EXPECT_EQ(ask(*server), (Reply{Outcome::answered, "x"}));
 }
 
+TEST_F(GuardSocketTest, nothingIsRemovedThatCouldNotBeAsked)
+{
+    const fs::path alive = socket.parent_path() / "guard-alive";
+    const auto other = Server::open({alive}, [] { return "other"; });
+    ASSERT_TRUE(other);
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+    const int free = fcntl(other->descriptor(), F_DUPFD_CLOEXEC, 0);
+    ASSERT_EQ(close(free), 0);
+    // Enough for the socket and for looking round, and for nothing more.
+    const rlimit few{static_cast<rlim_t>(free) + 2, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+    const auto server = serving("x");
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_TRUE(server);
+    EXPECT_TRUE(fs::exists(alive));
+}
+
 TEST_F(GuardSocketTest, aFileInItsPlaceIsReplaced)
 {
     fs::create_directory(socket.parent_path());
