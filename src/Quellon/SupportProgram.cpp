@@ -62,7 +62,7 @@ int printSnapshot()
     if (reply.outcome == GuardSocket::Reply::Outcome::answered) return print(reply.text);
     const bool isNobody = reply.outcome == GuardSocket::Reply::Outcome::nobody;
     std::fprintf(stderr, "Quellon: %s; this is what the state directory tells.\n",
-                 isNobody ? "no guard is running" : "the running guard has not answered");
+                 isNobody ? "no running guard was found" : "the running guard has not answered");
     return print(stateDirectoryText(host) + std::string{remark});
 }
 

@@ -103,7 +103,7 @@ TEST_F(SupportTest, withoutAGuardTheFilesTell)
     EXPECT_THAT(ending.output, HasSubstr("\n  ledger.json.tmp "));
     EXPECT_THAT(ending.output, HasSubstr("  ⚠ leftover\n"));
     EXPECT_THAT(ending.output, HasSubstr("\n# Read from the state directory: no guard has answered.\n"));
-    EXPECT_EQ(ending.errors, "Quellon: no guard is running; this is what the state directory tells.\n");
+    EXPECT_EQ(ending.errors, "Quellon: no running guard was found; this is what the state directory tells.\n");
     EXPECT_TRUE(isTidy());
     EXPECT_EQ(fs::file_size(home / "state/settings.json"), 42U) << "nothing was written";
 }
@@ -182,7 +182,7 @@ TEST_F(SupportTest, aGuardThatWasKilledLeavesNobodyWaiting)
         EXPECT_EQ(terminal.wait(), 128 + SIGKILL);
     }
     EXPECT_FALSE(isTidy());
-    EXPECT_THAT(shell("exec \"$PROGRAM\" --snapshot").errors, StartsWith("Quellon: no guard is running; "));
+    EXPECT_THAT(shell("exec \"$PROGRAM\" --snapshot").errors, StartsWith("Quellon: no running guard was found; "));
     ChildTerminal next{guard("--plain")};
     ASSERT_TRUE(next.waitFor("Quellon Pro started")) << next.screen();
     EXPECT_THAT(shell("exec \"$PROGRAM\" --snapshot").output, HasSubstr("\nguard      running · "));
