@@ -1,3 +1,4 @@
+#include "../Engine/EngineWorld.h"
 #include "QuellonCore/Diagnostics/DebugExport.h"
 #include "QuellonCore/Diagnostics/RedactedOutline.h"
 #include "QuellonCore/Diagnostics/StoreRedaction.h"
@@ -159,17 +160,25 @@ TEST(RedactionProperty, noSecretOfAStateFileIsLeft)
 
 TEST(RedactionProperty, noSecretOfARunningGuardIsInItsSnapshot)
 {
-    ScriptedHost host;
-    host.environment("QUELLON_STATE_DIR", "/state");
+    EngineWorld world;
+    ScriptedHost& host = world.host;
     const SecretState state;
-    for (const auto& [name, text] : state.files()) host.files().set("/state/" + name, text);
+    for (const auto& [name, text] : state.files()) host.files().set(world.stateFolder / name, text);
     GuardEngine engine{host};
+    world.playTwoRounds();
+    host.tool(ToolRole::netstat).prints(EngineWorld::counterText("en0", 50'000, 7'000));
     host.advance(Seconds{60});
+    engine.stop();
     ASSERT_THAT(engine.settings().activeProfile().name, HasSubstr(SecretState::mark)) << "the guard has read them";
+    for (const auto& [name, text] : state.files()) {
+        const bool isSaved = name == Persistence::ledgerFile || name == engine.settings().activeProfile().budgetFile;
+        if (isSaved) { ASSERT_NE(host.files().get(world.stateFolder / name), text) << name << " is saved anew"; }
+    }
     for (const auto& snapshot :
          {DebugSnapshot::capture(engine, "1", "2", host.now()), DebugSnapshot::ofStateDirectory(host, "1", "2")}) {
         const std::string text = DebugExport::text(snapshot, "/home/user", host.host().platform);
-        EXPECT_THAT(text, Not(HasSubstr(SecretState::mark)));
+        for (const std::string_view secret : {SecretState::mark, std::string_view{"Player"}, std::string_view{"en0"}})
+            EXPECT_THAT(text, Not(HasSubstr(secret)));
         EXPECT_THAT(text, HasSubstr("  settings.json  "));
     }
 }

@@ -12,7 +12,8 @@
 namespace quellon {
 
 /// A state folder in which everything textual is somebody's secret: the documented examples, with another text in the
-/// place of each key and each value that the program reads as a mere text.
+/// place of each key and each value that the program reads as a mere text. The names of budget files stay: what is in
+/// the folder is listed by name, whoever named it.
 class SecretState {
 public:
     /// What every secret holds, and nothing else in the world.
@@ -95,7 +96,7 @@ private:
         std::vector<std::string> keys;
         for (const auto& [key, value] : json.items()) keys.push_back(key);
         for (const std::string& key : keys) {
-            hide(json[key]);
+            if (key != "budgetFile") hide(json[key]);
             hideKey(json, key);
         }
     }
