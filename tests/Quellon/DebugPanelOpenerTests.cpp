@@ -1,5 +1,6 @@
 #include "Quellon/DebugPanelOpener.h"
 
+#include "OffscreenApplication.h"
 #include "QuellonCore/Diagnostics/DebugHooks.h"
 #include "QuellonCore/Presentation/SettingsWorld.h"
 #include "QuellonUI/Debug/DebugPanel.h"
@@ -11,30 +12,14 @@
 #include <QListWidget>
 #include <QPlainTextEdit>
 
-#include <array>
-#include <cstdlib>
-#include <memory>
 #include <stdexcept>
 
 namespace quellon {
 namespace {
 
-/// Offscreen, on any machine.
-struct Application {
-    std::array<char, 5> name{"test"};
-    std::array<char*, 2> arguments{name.data(), nullptr};
-    int count = 1;
-    std::unique_ptr<QApplication> application;
-    Application()
-    {
-        setenv("QT_QPA_PLATFORM", "offscreen", 1); // NOLINT(concurrency-mt-unsafe): no other thread yet
-        application = std::make_unique<QApplication>(count, arguments.data());
-    }
-};
-
 /// The panel on a guard whose files the test writes.
 class DebugPanelOpenerTest : public ::testing::Test {
-    Application application_; // Outlives the panel.
+    OffscreenApplication application_; // Outlives the panel.
 
 protected:
     SettingsWorld world;

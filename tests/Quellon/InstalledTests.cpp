@@ -1,12 +1,11 @@
 #include "FreezingWorld.h"
 #include "QuellonHost/Support/TemporaryFolder.h"
+#include "ShellEnding.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <array>
 #include <csignal>
-#include <cstdio>
 #include <filesystem>
 #include <string>
 
@@ -27,17 +26,9 @@ protected:
     [[nodiscard]] std::string run(const std::string& command) const
     {
         const std::string folder = home.path().string();
-        const std::string whole = "exec 2>&1; cd /; env -i TZ=UTC PATH=/usr/bin:/bin HOME='" + folder + "' TMPDIR='" +
-                                  folder + "' sh -c '" + command + "'; echo \"=$?\"";
-        std::string output;
-        FILE* const pipe = popen(whole.c_str(), "r");
-        if (pipe == nullptr) return output;
-        std::array<char, 4096> bytes{};
-        for (std::size_t count = 0; (count = std::fread(bytes.data(), 1, bytes.size(), pipe)) > 0;) {
-            output.append(bytes.data(), count);
-        }
-        pclose(pipe);
-        return output;
+        return ShellEnding::of("exec 2>&1; cd /; env -i TZ=UTC PATH=/usr/bin:/bin HOME='" + folder + "' TMPDIR='" +
+                               folder + "' sh -c '" + command + "'; echo \"=$?\"")
+            .output;
     }
 
     const testing::TemporaryFolder home;

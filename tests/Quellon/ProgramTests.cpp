@@ -1,14 +1,12 @@
 #include "ChildTerminal.h"
+#include "ShellEnding.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <array>
 #include <csignal>
-#include <cstdio>
 #include <regex>
 #include <string>
-#include <sys/wait.h>
 
 namespace quellon {
 namespace {
@@ -23,42 +21,26 @@ using testing::StartsWith;
 constexpr const char* leavesScreen = "\x1B[?1049l";
 constexpr const char* showsCursor = "\x1B[?25h";
 
-/// What a shell command printed, and how it ended.
-struct Ending {
-    std::string output;
-    int status = -1;
-};
-
-Ending shell(const std::string& command)
+ShellEnding shell(const std::string& command)
 {
-    const std::string whole = "exec 2>&1; cd /; unset DISPLAY WAYLAND_DISPLAY; export TZ=UTC HOME=/nonexistent "
-                              "QUELLON_STATE_DIR=/nonexistent PROGRAM='" QUELLON_PROGRAM "'; " +
-                              command;
-    Ending result;
-    FILE* const pipe = popen(whole.c_str(), "r");
-    if (pipe == nullptr) return result;
-    std::array<char, 4096> bytes{};
-    for (std::size_t count = 0; (count = std::fread(bytes.data(), 1, bytes.size(), pipe)) > 0;) {
-        result.output.append(bytes.data(), count);
-    }
-    const int status = pclose(pipe);
-    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    return result;
+    return ShellEnding::of("exec 2>&1; cd /; unset DISPLAY WAYLAND_DISPLAY; export TZ=UTC HOME=/nonexistent "
+                           "QUELLON_STATE_DIR=/nonexistent PROGRAM='" QUELLON_PROGRAM "'; " +
+                           command);
 }
 
 TEST(Program, helpAndVersion)
 {
-    const Ending help = shell("\"$PROGRAM\" --help");
+    const ShellEnding help = shell("\"$PROGRAM\" --help");
     EXPECT_EQ(help.status, 0);
     EXPECT_THAT(help.output, StartsWith("Usage: Quellon [OPTION]...\n"));
-    const Ending version = shell("\"$PROGRAM\" --version");
+    const ShellEnding version = shell("\"$PROGRAM\" --version");
     EXPECT_EQ(version.status, 0);
     EXPECT_THAT(version.output, MatchesRegex("Quellon [0-9]+\\.[0-9]+\\.[0-9]+\n"));
 }
 
 TEST(Program, mistakes)
 {
-    const Ending unknown = shell("\"$PROGRAM\" --fast >/dev/null");
+    const ShellEnding unknown = shell("\"$PROGRAM\" --fast >/dev/null");
     EXPECT_EQ(unknown.status, 2);
     EXPECT_EQ(unknown.output, "Quellon: unknown option \"--fast\"\nTry \"Quellon --help\".\n");
     EXPECT_EQ(shell("\"$PROGRAM\" --duration never").status, 2);
@@ -68,14 +50,14 @@ TEST(Program, mistakes)
 TEST(Program, outputThatCanNotBeWritten)
 {
     EXPECT_EQ(shell("\"$PROGRAM\" --help >/dev/full").status, 1);
-    const Ending plain = shell("\"$PROGRAM\" --plain --duration 20 >/dev/full");
+    const ShellEnding plain = shell("\"$PROGRAM\" --plain --duration 20 >/dev/full");
     EXPECT_EQ(plain.status, 1);
     EXPECT_EQ(plain.output, "Quellon: standard output can't be written.\n");
 }
 
 TEST(Program, plainLines)
 {
-    const Ending run = shell("\"$PROGRAM\" --duration 1");
+    const ShellEnding run = shell("\"$PROGRAM\" --duration 1");
     EXPECT_EQ(run.status, 0);
     EXPECT_THAT(run.output, ContainsRegex("^[0-9:]{8} info      Quellon Pro started · 2 rules\n"));
     EXPECT_THAT(run.output, Not(HasSubstr("\x1B")));
@@ -83,7 +65,7 @@ TEST(Program, plainLines)
 
 TEST(Program, theReaderGoesAway)
 {
-    const Ending run = shell("{ \"$PROGRAM\" --plain --duration 1; echo \"status $?\" >&2; } | head -1");
+    const ShellEnding run = shell("{ \"$PROGRAM\" --plain --duration 1; echo \"status $?\" >&2; } | head -1");
     EXPECT_EQ(run.status, 0);
     EXPECT_THAT(run.output, HasSubstr("Quellon Pro started"));
     EXPECT_THAT(run.output, HasSubstr("status 0\n"));
@@ -203,9 +185,10 @@ TEST(Terminal, aDisplayThatCanNotBeReached)
 
 TEST(Program, aPlatformThatIsMissing)
 {
-    const Ending run = shell("DISPLAY=:63999 QT_QPA_PLATFORM=no-such-platform \"$PROGRAM\" --plain --duration 0.5");
+    const ShellEnding run =
+        shell("DISPLAY=:63999 QT_QPA_PLATFORM=no-such-platform \"$PROGRAM\" --plain --duration 0.5");
     EXPECT_EQ(run.status, 0) << "not asked for a display";
-    const Ending desktop = shell("DISPLAY=:63999 QT_QPA_PLATFORM=no-such-platform \"$PROGRAM\" --duration 0.5");
+    const ShellEnding desktop = shell("DISPLAY=:63999 QT_QPA_PLATFORM=no-such-platform \"$PROGRAM\" --duration 0.5");
     EXPECT_EQ(desktop.status, 0);
     EXPECT_THAT(desktop.output, HasSubstr("\"no-such-platform\"")) << "what is missing";
     EXPECT_THAT(desktop.output, HasSubstr("going on without a window"));

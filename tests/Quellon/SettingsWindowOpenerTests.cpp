@@ -1,5 +1,6 @@
 #include "Quellon/SettingsWindowOpener.h"
 
+#include "OffscreenApplication.h"
 #include "QuellonCore/Diagnostics/DebugHooks.h"
 #include "QuellonCore/Presentation/SettingsWorld.h"
 #include "QuellonCore/Settings/LaunchAgent.h"
@@ -11,7 +12,6 @@
 #include <QLineEdit>
 #include <QScreen>
 
-#include <array>
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
@@ -19,22 +19,9 @@
 namespace quellon {
 namespace {
 
-/// Offscreen, on any machine.
-struct Application {
-    std::array<char, 5> name{"test"};
-    std::array<char*, 2> arguments{name.data(), nullptr};
-    int count = 1;
-    std::unique_ptr<QApplication> application;
-    Application()
-    {
-        setenv("QT_QPA_PLATFORM", "offscreen", 1); // NOLINT(concurrency-mt-unsafe): no other thread yet
-        application = std::make_unique<QApplication>(count, arguments.data());
-    }
-};
-
 /// The settings of a guard whose time the test moves.
 class SettingsWindowOpenerTest : public ::testing::Test {
-    Application application_; // Outlives the window.
+    OffscreenApplication application_; // Outlives the window.
 
 protected:
     SettingsWorld world;

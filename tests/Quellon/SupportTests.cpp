@@ -1,18 +1,16 @@
 #include "FreezingWorld.h"
 #include "QuellonCore/Persistence/SecretState.h"
+#include "ShellEnding.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <array>
 #include <chrono>
 #include <csignal>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <regex>
 #include <string>
-#include <sys/wait.h>
 
 namespace quellon {
 namespace {
@@ -23,11 +21,9 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-/// What a command printed, and how it ended.
-struct Ending {
-    std::string output;
+/// What a command printed, its errors for themselves, and how it ended.
+struct Ending : ShellEnding {
     std::string errors;
-    int status = -1;
 };
 
 /// A user's folders, of which the program knows no others, and no display or message bus.
@@ -64,15 +60,7 @@ protected:
             "'; exec env -i PATH=/usr/bin:/bin TZ=UTC HOME=\"$PWD\" TMPDIR=\"$PWD/tmp\" XDG_RUNTIME_DIR=\"$PWD/run\" "
             "QUELLON_STATE_DIR=\"$PWD/state\" PROGRAM='" QUELLON_PROGRAM "' sh -c '" +
             words + "'";
-        Ending result;
-        FILE* const pipe = popen(whole.c_str(), "r");
-        if (pipe == nullptr) return result;
-        std::array<char, 4096> bytes{};
-        for (std::size_t count = 0; (count = std::fread(bytes.data(), 1, bytes.size(), pipe)) > 0;) {
-            result.output.append(bytes.data(), count);
-        }
-        const int status = pclose(pipe);
-        result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+        Ending result{ShellEnding::of(whole), {}};
         result.errors = fileText(home / "errors");
         return result;
     }
