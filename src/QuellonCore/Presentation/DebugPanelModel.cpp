@@ -171,6 +171,9 @@ std::optional<std::string> DebugPanelModel::file(const DebugSnapshot& snapshot, 
 std::string DebugPanelModel::outline(const std::optional<std::string>& content)
 {
     if (!content) return "The file can't be read, or is too large.";
+    if (content->size() > largestFile)
+        return fmt::format("The file is larger than {}. “Quellon --redact FILE” shows its shape.",
+                           MenuPresentation::format(largestFile));
     const auto shape = StoreRedaction::redactText(*content);
     if (const auto* refusal = std::get_if<StoreRedaction::Refusal>(&shape))
         return fmt::format("The file {}.", StoreRedaction::words(*refusal));

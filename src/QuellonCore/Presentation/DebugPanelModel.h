@@ -81,6 +81,8 @@ struct DebugPanelModel {
     static constexpr std::string_view readingText = "Reading…";
     /// How many lines of an outline are shown.
     static constexpr std::size_t mostLines = 5'000;
+    /// The largest file whose outline is made: it takes fifteen times as much memory, which a guard does not get back.
+    static constexpr std::size_t largestFile = std::size_t{4} * 1024 * 1024;
     /// The seconds of `shortenAutoResume`.
     static constexpr int shortAutoResume = 10;
 
@@ -99,8 +101,8 @@ struct DebugPanelModel {
     /// The name of the state file that a page of this number shows; absent for the other pages.
     [[nodiscard]] static std::optional<std::string> file(const DebugSnapshot& snapshot, std::size_t page);
 
-    /// The outline of a state file with this content, cut behind `mostLines`, or why there is none. Takes long for a
-    /// long ledger; any thread.
+    /// The outline of a state file with this content, cut behind `mostLines`, or why there is none. Takes a while for a
+    /// large one; any thread.
     [[nodiscard]] static std::string outline(const std::optional<std::string>& content);
 
     bool operator==(const DebugPanelModel&) const = default;

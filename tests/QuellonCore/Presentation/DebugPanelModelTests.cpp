@@ -141,6 +141,14 @@ TEST(DebugPanelModel, outlines)
               "1 field\n  profiles: 1 item\n    [0]: 1 field\n      name: ‹other, 4 characters›");
 }
 
+TEST(DebugPanelModel, aLargeFileHasNoOutline)
+{
+    constexpr std::size_t most = DebugPanelModel::largestFile;
+    EXPECT_EQ(DebugPanelModel::outline(std::string(most - 1, ' ') + "1"), "1");
+    EXPECT_EQ(DebugPanelModel::outline(std::string(most, ' ') + "1"),
+              "The file is larger than 4.0 MB. “Quellon --redact FILE” shows its shape.");
+}
+
 TEST(DebugPanelModel, aLongOutlineIsCut)
 {
     const auto list = [](std::size_t items) {
