@@ -1,3 +1,4 @@
+#include "QuellonUI/Kit/Appearance.h"
 #include "SettingsViews.h"
 
 #include <gmock/gmock.h>
@@ -26,6 +27,8 @@ bool showsRing(QWidget& widget)
 
 class SheetTest : public testing::Test {
 protected:
+    SheetTest() { Appearance::apply(false); }
+
     SettingsView view;
     std::string focus() const
     {
