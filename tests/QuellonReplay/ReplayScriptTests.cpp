@@ -175,10 +175,10 @@ TEST(ReplayScript, actsThatAreRefused)
 
 TEST(ReplayScript, whatNeedsARunIsRefusedWithoutOne)
 {
-    for (const char* line :
-         {R"({"call": "tick"})", R"({"settings": {}})", R"({"quit": {}})", R"({"signal": "SIGTERM"})",
-          R"({"crash": {}})", R"({"show": "state"})", R"({"show": "menuBar"})", R"({"show": "panel"})", R"({"show": "snapshot"})",
-          R"({"show": "detail", "app": "A"})", R"({"answer": {"action": "view", "apps": []}})"}) {
+    for (const char* line : {R"({"call": "tick"})", R"({"settings": {}})", R"({"quit": {}})",
+                             R"({"signal": "SIGTERM"})", R"({"crash": {}})", R"({"show": "state"})",
+                             R"({"show": "menuBar"})", R"({"show": "panel"})", R"({"show": "snapshot"})",
+                             R"({"show": "detail", "app": "A"})", R"({"answer": {"action": "view", "apps": []}})"}) {
         SCOPED_TRACE(line);
         EXPECT_EQ(play(line).errors, "replay: line 1: no guard is running: a launch comes first\n");
         EXPECT_THAT(play(std::string{"{\"launch\": {}}\n{\"crash\": {}}\n"} + line).errors,
