@@ -31,8 +31,7 @@ TEST_F(ControlsTest, everyButtonDoesWhatItSays)
                        NotificationAction::view}));
     EXPECT_THAT(model().question->buttons,
                 ElementsAre(Notice::Button{"Stop it", true}, Notice::Button{"Allow until done", false},
-                            Notice::Button{"Stop asking today", false},
-                            Notice::Button{"Show details", false}));
+                            Notice::Button{"Stop asking today", false}, Notice::Button{"Show details", false}));
     EXPECT_THAT(answer(1), ElementsAre("info: Player allowed until this transfer finishes"));
     EXPECT_EQ(model().question, std::nullopt);
 }
