@@ -183,17 +183,5 @@ TEST(Terminal, aDisplayThatCanNotBeReached)
     EXPECT_TRUE(terminal.isRestored());
 }
 
-TEST(Program, aPlatformThatIsMissing)
-{
-    const ShellEnding run =
-        shell("DISPLAY=:63999 QT_QPA_PLATFORM=no-such-platform \"$PROGRAM\" --plain --duration 0.5");
-    EXPECT_EQ(run.status, 0) << "not asked for a display";
-    const ShellEnding desktop = shell("DISPLAY=:63999 QT_QPA_PLATFORM=no-such-platform \"$PROGRAM\" --duration 0.5");
-    EXPECT_EQ(desktop.status, 0);
-    EXPECT_THAT(desktop.output, HasSubstr("\"no-such-platform\"")) << "what is missing";
-    EXPECT_THAT(desktop.output, HasSubstr("going on without a window"));
-    EXPECT_THAT(desktop.output, HasSubstr("Quellon Pro started"));
-}
-
 } // namespace
 } // namespace quellon
