@@ -6,6 +6,7 @@
 #include "QuellonUI/Debug/DebugPanel.h"
 #include "QuellonUI/Kit/Appearance.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 #include <variant>
@@ -65,6 +66,12 @@ void DebugPanelOpener::outline()
 {
     const auto file = DebugPanelModel::file(snapshot_, state_.page);
     if (!file || state_.outlines.contains(*file)) return;
+    const auto entry = std::ranges::find(snapshot_.files, *file, &StateFileEntry::name);
+    if (entry != snapshot_.files.end() && entry->byteCount > DebugPanelModel::largestFile) {
+        state_.outlines[*file] = DebugPanelModel::tooLargeText();
+        show();
+        return;
+    }
     state_.outlines[*file] = DebugPanelModel::readingText;
     const Host& host = engine_->host();
     auto content = host.files.read(Persistence{host}.directory() / *file);

@@ -52,6 +52,19 @@ protected:
     }
 };
 
+TEST_F(DebugPanelOpenerTest, aLargeFileIsNotRead)
+{
+    const std::string large(DebugPanelModel::largestFile + 1, ' ');
+    put("suspended.json", large.c_str());
+    DebugHooks::open(world.engine);
+    put("suspended.json", "[1]"); // what reading it would find
+    pages().setCurrentRow(pages().count() - 1);
+    EXPECT_EQ(title(), QStringLiteral("suspended.json"));
+    EXPECT_EQ(text().toStdString(), DebugPanelModel::tooLargeText());
+    refresh();
+    EXPECT_EQ(text(), QStringLiteral("1 item\n  [0]: 1"));
+}
+
 TEST_F(DebugPanelOpenerTest, aFileThatIsGoneMakesRoomForAnother)
 {
     put("budget-1.json", "[]");

@@ -168,12 +168,16 @@ std::optional<std::string> DebugPanelModel::file(const DebugSnapshot& snapshot, 
     return names[page - firstPages.size()];
 }
 
+std::string DebugPanelModel::tooLargeText()
+{
+    return fmt::format("The file is larger than {}. “Quellon --redact FILE” shows its shape.",
+                       MenuPresentation::format(largestFile));
+}
+
 std::string DebugPanelModel::outline(const std::optional<std::string>& content)
 {
     if (!content) return "The file can't be read, or is too large.";
-    if (content->size() > largestFile)
-        return fmt::format("The file is larger than {}. “Quellon --redact FILE” shows its shape.",
-                           MenuPresentation::format(largestFile));
+    if (content->size() > largestFile) return tooLargeText();
     const auto shape = StoreRedaction::redactText(*content);
     if (const auto* refusal = std::get_if<StoreRedaction::Refusal>(&shape))
         return fmt::format("The file {}.", StoreRedaction::words(*refusal));

@@ -101,6 +101,9 @@ struct DebugPanelModel {
     /// The name of the state file that a page of this number shows; absent for the other pages.
     [[nodiscard]] static std::optional<std::string> file(const DebugSnapshot& snapshot, std::size_t page);
 
+    /// In the place of the outline of a file that is larger than `largestFile`, which need not be read then.
+    [[nodiscard]] static std::string tooLargeText();
+
     /// The outline of a state file with this content, cut behind `mostLines`, or why there is none. Takes a while for a
     /// large one; any thread.
     [[nodiscard]] static std::string outline(const std::optional<std::string>& content);
