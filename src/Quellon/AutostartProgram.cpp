@@ -11,10 +11,7 @@ int run(AutostartCommand command)
 {
     SystemHost host;
     Autostart autostart{host.host(), SystemHost::executable()};
-    if (command == AutostartCommand::status) {
-        const bool isWritten = std::puts(autostart.isOn() ? "on" : "off") >= 0 && std::fflush(stdout) == 0;
-        return isWritten ? ExitStatus::success : ExitStatus::outputFailed;
-    }
+    if (command == AutostartCommand::status) return printAnswer(autostart.isOn() ? "on\n" : "off\n");
     const auto error = autostart.setOn(command == AutostartCommand::on);
     if (!error) return ExitStatus::success;
     std::fprintf(stderr, "Quellon: %s.\n", error->c_str());

@@ -5,9 +5,16 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <iterator>
 
 namespace quellon {
+
+int printAnswer(std::string_view text)
+{
+    const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
+    return written ? ExitStatus::success : ExitStatus::outputFailed;
+}
 
 namespace CommandLine {
 

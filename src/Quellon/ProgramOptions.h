@@ -37,6 +37,9 @@ inline constexpr int badData = 65; ///< A file holds something else than it shou
 inline constexpr int noInput = 66; ///< A file can't be read.
 } // namespace ExitStatus
 
+/// Prints a whole answer of the program's to standard output. Gives the exit status.
+[[nodiscard]] int printAnswer(std::string_view text);
+
 /// Reading the command line, and what is printed about it.
 namespace CommandLine {
 

@@ -31,12 +31,6 @@ constexpr std::string_view remark =
     "# Read from the state directory: no guard has answered.\n"
     "# So guard, sampling and notify tell nothing of it, and process is the one that printed this.\n";
 
-int print(std::string_view text)
-{
-    const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
-    return written ? ExitStatus::success : ExitStatus::outputFailed;
-}
-
 std::string stateDirectoryText(const Host& host)
 {
     const AboutModel::Build build = QuellonApp::build();
@@ -59,11 +53,11 @@ int printSnapshot()
     SystemHost system;
     const Host host = system.host();
     const auto reply = GuardSocket::ask(SnapshotService::places(host), patience);
-    if (reply.outcome == GuardSocket::Reply::Outcome::answered) return print(reply.text);
+    if (reply.outcome == GuardSocket::Reply::Outcome::answered) return printAnswer(reply.text);
     const bool isNobody = reply.outcome == GuardSocket::Reply::Outcome::nobody;
     std::fprintf(stderr, "Quellon: %s; this is what the state directory tells.\n",
                  isNobody ? "no running guard was found" : "the running guard has not answered");
-    return print(stateDirectoryText(host) + std::string{remark});
+    return printAnswer(stateDirectoryText(host) + std::string{remark});
 }
 
 int printRedacted(const std::string& path)
@@ -79,7 +73,7 @@ int printRedacted(const std::string& path)
     if (const auto* refusal = std::get_if<StoreRedaction::Refusal>(&redacted)) {
         return complain(name, StoreRedaction::words(*refusal), ExitStatus::badData);
     }
-    return print(RedactedOutline::text(std::get<RedactedJSON>(redacted)));
+    return printAnswer(RedactedOutline::text(std::get<RedactedJSON>(redacted)));
 }
 
 } // namespace quellon::SupportProgram

@@ -17,13 +17,6 @@ namespace {
 
 using namespace quellon;
 
-/// Prints one of the answers about the program itself.
-int print(std::string_view text)
-{
-    const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
-    return written ? ExitStatus::success : ExitStatus::outputFailed;
-}
-
 int refuse(const std::string& error)
 {
     std::fprintf(stderr, "Quellon: %s\nTry \"Quellon --help\".\n", error.c_str());
@@ -42,8 +35,8 @@ int main(int argumentCount, char** arguments)
     const std::vector<std::string_view> words(arguments + (argumentCount > 0 ? 1 : 0), arguments + argumentCount);
     const auto [options, error] = CommandLine::parse(words);
     if (error) return refuse(*error);
-    if (options.help) return print(CommandLine::help());
-    if (options.version) return print(CommandLine::version());
+    if (options.help) return printAnswer(CommandLine::help());
+    if (options.version) return printAnswer(CommandLine::version());
     if (options.snapshot) return SupportProgram::printSnapshot();
     if (options.redact) return SupportProgram::printRedacted(*options.redact);
     if (options.autostart) return AutostartProgram::run(*options.autostart);
